@@ -1,0 +1,89 @@
+#include "core/views/AppShell.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QMenu>
+#include <QMenuBar>
+#include <QSystemTrayIcon>
+
+#include "core/QuillbayApp.h"
+#include "core/views/ContentView.h"
+
+namespace quillbay {
+
+AppShell::AppShell(QuillbayApp& app, QObject* parent)
+    : QObject(parent)
+    , m_app(app)
+    , m_window(new ContentView(app))
+    , m_openWindow(new QAction(QStringLiteral("Open Window"), this))
+    , m_quit(new QAction(QStringLiteral("Quit"), this))
+    , m_leaveTip(new QAction(QStringLiteral("Leave a Tip"), this))
+    , m_helpAndSupport(new QAction(QStringLiteral("Help & Support"), this))
+{
+    // The process outlives its window, as a document-less desktop tool does.
+    QApplication::setQuitOnLastWindowClosed(false);
+    m_openWindow->setObjectName(QStringLiteral("openWindowAction"));
+    m_openWindow->setShortcut(QKeySequence::New);
+    m_quit->setObjectName(QStringLiteral("quitAction"));
+    m_quit->setShortcut(QKeySequence::Quit);
+    m_quit->setMenuRole(QAction::QuitRole);
+    m_leaveTip->setObjectName(QStringLiteral("leaveTipAction"));
+    m_helpAndSupport->setObjectName(QStringLiteral("helpAndSupportAction"));
+    connect(m_openWindow, &QAction::triggered, this, &AppShell::openWindow);
+    connect(m_quit, &QAction::triggered, qApp, &QApplication::quit, Qt::QueuedConnection);
+    connect(m_leaveTip, &QAction::triggered, this, &AppShell::leaveTipRequested);
+    connect(m_helpAndSupport, &QAction::triggered, this, &AppShell::helpAndSupportRequested);
+    connect(m_window, &ContentView::firstShown, &m_app, &QuillbayApp::windowDidAppear);
+    buildMenus();
+    buildTrayIcon();
+}
+
+AppShell::~AppShell()
+{
+    delete m_window;
+}
+
+void AppShell::openWindow()
+{
+    m_window->show();
+    m_window->raise();
+    m_window->activateWindow();
+}
+
+void AppShell::buildMenus()
+{
+    QMenuBar* bar = m_window->menuBar();
+    QMenu* file = bar->addMenu(QStringLiteral("&File"));
+    file->setObjectName(QStringLiteral("fileMenu"));
+    file->addAction(m_openWindow);
+    file->addSeparator();
+    file->addAction(m_quit);
+    QMenu* help = bar->addMenu(QStringLiteral("&Help"));
+    help->setObjectName(QStringLiteral("helpMenu"));
+    help->addAction(m_leaveTip);
+    help->addSeparator();
+    help->addAction(m_helpAndSupport);
+    // Window-level shortcuts work only while the window is shown; the actions also live
+    // on the tray menu so that a hidden window can be brought back.
+    m_window->addAction(m_openWindow);
+}
+
+void AppShell::buildTrayIcon()
+{
+    if (!QSystemTrayIcon::isSystemTrayAvailable())
+        return;
+    m_tray = new QSystemTrayIcon(QApplication::windowIcon(), this);
+    auto* menu = new QMenu(m_window);
+    menu->addAction(m_openWindow);
+    menu->addSeparator();
+    menu->addAction(m_quit);
+    m_tray->setContextMenu(menu);
+    m_tray->setToolTip(QStringLiteral("Quillbay"));
+    connect(m_tray, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
+        if (reason == QSystemTrayIcon::Trigger)
+            openWindow();
+    });
+    m_tray->show();
+}
+
+} // namespace quillbay

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QHash>
+#include <QMainWindow>
+#include <QUuid>
+
+class QStackedWidget;
+class QTreeWidget;
+class QTreeWidgetItem;
+
+namespace quillbay {
+
+class QuillbayApp;
+class ToastOverlay;
+
+// The main window: a sidebar of six tools in two sections and a detail area. A tool's
+// screen is built the first time it is selected, so no tool touches its folders before
+// the user goes there. Closing the window only hides it; the state stays for "Open Window".
+class ContentView : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit ContentView(QuillbayApp& app, QWidget* parent = nullptr);
+
+    QUuid selection() const { return m_selection; }
+    void select(const QUuid& id);
+    QWidget* currentScreen() const;
+    ToastOverlay* toast() const { return m_toast; }
+
+signals:
+    void firstShown();
+
+protected:
+    void showEvent(QShowEvent* event) override;
+
+private:
+    void buildSidebar();
+    void showToastFromModel();
+
+    QuillbayApp& m_app;
+    QTreeWidget* m_sidebar;
+    QStackedWidget* m_detail;
+    ToastOverlay* m_toast;
+    QHash<QUuid, QWidget*> m_screens;
+    QHash<QUuid, QTreeWidgetItem*> m_rows;
+    QUuid m_selection;
+    bool m_wasShown = false;
+};
+
+} // namespace quillbay

@@ -1,0 +1,80 @@
+#include "core/views/SymbolIcons.h"
+
+#include <QHash>
+#include <QStandardPaths>
+
+namespace quillbay {
+
+namespace {
+
+// Symbol name -> freedesktop icon names, best first.
+const QHash<QString, QStringList>& symbolTable()
+{
+    static const QHash<QString, QStringList> table {
+        {QStringLiteral("clock.arrow.circlepath"), {QStringLiteral("view-history"), QStringLiteral("chronometer")}},
+        {QStringLiteral("app.badge"), {QStringLiteral("preferences-desktop-icons"), QStringLiteral("image-x-generic")}},
+        {QStringLiteral("externaldrive.badge.minus"),
+         {QStringLiteral("edit-clear-all"), QStringLiteral("drive-harddisk")}},
+        {QStringLiteral("books.vertical"), {QStringLiteral("bookmarks"), QStringLiteral("document-open")}},
+        {QStringLiteral("shippingbox.fill"),
+         {QStringLiteral("package-x-generic"), QStringLiteral("application-x-archive")}},
+        {QStringLiteral("shippingbox"), {QStringLiteral("package-x-generic")}},
+        {QStringLiteral("info.circle"), {QStringLiteral("dialog-information"), QStringLiteral("help-about")}},
+        {QStringLiteral("exclamationmark.triangle"), {QStringLiteral("dialog-warning")}},
+        {QStringLiteral("gearshape"), {QStringLiteral("configure"), QStringLiteral("preferences-system")}},
+        {QStringLiteral("hammer"), {QStringLiteral("run-build"), QStringLiteral("tools")}},
+        {QStringLiteral("folder"), {QStringLiteral("folder")}},
+        {QStringLiteral("folder.badge.questionmark"), {QStringLiteral("folder-locked"), QStringLiteral("folder")}},
+        {QStringLiteral("arrow.clockwise"), {QStringLiteral("view-refresh")}},
+        {QStringLiteral("arrow.trianglehead.2.clockwise.rotate.90"), {QStringLiteral("view-refresh")}},
+        {QStringLiteral("trash"), {QStringLiteral("edit-delete")}},
+        {QStringLiteral("magnifyingglass"), {QStringLiteral("edit-find")}},
+        {QStringLiteral("doc.on.doc"), {QStringLiteral("edit-copy")}},
+        {QStringLiteral("terminal"), {QStringLiteral("utilities-terminal")}},
+        {QStringLiteral("square.and.arrow.down"), {QStringLiteral("download")}},
+        {QStringLiteral("link"), {QStringLiteral("link")}},
+        {QStringLiteral("heart"), {QStringLiteral("emblem-favorite")}},
+        {QStringLiteral("arrow.down.circle"),
+         {QStringLiteral("update-none"), QStringLiteral("system-software-update")}},
+        {QStringLiteral("ellipsis.circle"), {QStringLiteral("overflow-menu"), QStringLiteral("application-menu")}},
+        {QStringLiteral("checkmark"), {QStringLiteral("checkmark"), QStringLiteral("dialog-ok")}},
+        {QStringLiteral("apple.logo"), {QStringLiteral("cpu")}},
+    };
+    return table;
+}
+
+} // namespace
+
+QIcon symbolIcon(const QString& symbolName)
+{
+    static const bool themeReady = (installIconTheme(), true);
+    Q_UNUSED(themeReady);
+    const auto it = symbolTable().constFind(symbolName);
+    if (it == symbolTable().cend())
+        return {};
+    for (const QString& name : *it) {
+        if (QIcon::hasThemeIcon(name))
+            return QIcon::fromTheme(name);
+    }
+    return {};
+}
+
+void installIconTheme()
+{
+    // Offscreen and on desktops without a theme setting, Qt finds no theme by itself.
+    if (QIcon::hasThemeIcon(QStringLiteral("view-refresh")))
+        return;
+    // Without a desktop session (offscreen, minimal window managers) Qt searches only its
+    // resources; add the shared icon folders and name the theme the project depends on.
+    QStringList paths = QIcon::themeSearchPaths();
+    const QStringList dataDirs = QStandardPaths::standardLocations(QStandardPaths::GenericDataLocation);
+    for (const QString& dir : dataDirs) {
+        const QString icons = dir + QStringLiteral("/icons");
+        if (!paths.contains(icons))
+            paths << icons;
+    }
+    QIcon::setThemeSearchPaths(paths);
+    QIcon::setThemeName(QStringLiteral("breeze"));
+}
+
+} // namespace quillbay

@@ -1,0 +1,57 @@
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <limits>
+
+#include <gtest/gtest.h>
+
+#include "core/state/SavedSpaceStore.h"
+#include "foundation/Defaults.h"
+
+using namespace quillbay;
+
+namespace {
+
+constexpr qint64 kMax = std::numeric_limits<qint64>::max();
+
+} // namespace
+
+TEST(SavedSpaceStoreTest, AddsSaturatesAndPersists)
+{
+    QTemporaryDir dir;
+    const QString file = dir.filePath(QStringLiteral("defaults.ini"));
+    SettingsDefaults defaults(file);
+    const QString key = QStringLiteral("TotalBytesDeleted");
+    {
+        SavedSpaceStore store(defaults, key);
+        QSignalSpy changed(&store, &SavedSpaceStore::totalBytesChanged);
+        store.add(0);
+        store.add(-5);
+        EXPECT_EQ(store.totalBytes(), 0);
+        EXPECT_FALSE(defaults.contains(key)) << "non-positive additions write nothing";
+        EXPECT_EQ(changed.count(), 0);
+        store.add(kMax - 10);
+        store.add(11);
+        EXPECT_EQ(store.totalBytes(), kMax);
+        store.add(1);
+        EXPECT_EQ(store.totalBytes(), kMax);
+        EXPECT_EQ(changed.count(), 2) << "a saturated add does not notify";
+        defaults.sync();
+    }
+    SettingsDefaults reopened(file);
+    SavedSpaceStore again(reopened, key);
+    EXPECT_EQ(again.totalBytes(), kMax);
+    again.reset();
+    reopened.sync();
+    EXPECT_EQ(SettingsDefaults(file).integerValue(key, -1), 0);
+}
+
+TEST(SavedSpaceStoreTest, WrongTypeReadsAsZero)
+{
+    QTemporaryDir dir;
+    SettingsDefaults defaults(dir.filePath(QStringLiteral("defaults.ini")));
+    defaults.setValue(QStringLiteral("TotalBytesDeleted"), QStringLiteral("lots"));
+    SavedSpaceStore store(defaults, QStringLiteral("TotalBytesDeleted"));
+    EXPECT_EQ(store.totalBytes(), 0);
+    store.add(5);
+    EXPECT_EQ(store.totalBytes(), 5);
+}

@@ -1,0 +1,115 @@
+#include <QAction>
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QTemporaryDir>
+#include <QTreeWidget>
+
+#include <gtest/gtest.h>
+
+#include "core/AppViewModel.h"
+#include "core/QuillbayApp.h"
+#include "core/views/AppShell.h"
+#include "core/views/ContentView.h"
+#include "core/views/SidebarItem.h"
+#include "core/views/ToastOverlay.h"
+#include "foundation/Defaults.h"
+#include "testsupport/TestEnvironment.h"
+
+using namespace quillbay;
+
+namespace {
+
+struct Shell
+{
+    QTemporaryDir dir;
+    QuillbayApp app {std::make_unique<SettingsDefaults>(dir.filePath(QStringLiteral("defaults.ini")))};
+    AppShell shell {app};
+};
+
+QStringList sidebarRows(QTreeWidget* sidebar)
+{
+    QStringList rows;
+    for (int i = 0; i < sidebar->topLevelItemCount(); ++i) {
+        QTreeWidgetItem* heading = sidebar->topLevelItem(i);
+        rows << heading->text(0);
+        for (int j = 0; j < heading->childCount(); ++j)
+            rows << QStringLiteral("  ") + heading->child(j)->text(0);
+    }
+    return rows;
+}
+
+} // namespace
+
+TEST(ContentViewTest, ShowsTwoSectionsWithReleasesSelected)
+{
+    Shell s;
+    s.shell.openWindow();
+    ContentView* window = s.shell.window();
+    EXPECT_EQ(window->windowTitle(), QStringLiteral("Quillbay"));
+    auto* sidebar = window->findChild<QTreeWidget*>(QStringLiteral("sidebarTreeWidget"));
+    ASSERT_NE(sidebar, nullptr);
+    EXPECT_EQ(sidebarRows(sidebar),
+              (QStringList {QStringLiteral("Xcode"), QStringLiteral("  Releases"), QStringLiteral("  Assets Maker"),
+                            QStringLiteral("  Cleanup"), QStringLiteral("Homebrew"), QStringLiteral("  Catalog"),
+                            QStringLiteral("  Installed"), QStringLiteral("  Cleanup")}));
+    EXPECT_EQ(window->selection(), sidebarItem(Tool::xcodeReleases).id);
+    EXPECT_EQ(sidebar->currentItem()->text(0), QStringLiteral("Releases"));
+    for (int i = 0; i < sidebar->topLevelItemCount(); ++i)
+        for (int j = 0; j < sidebar->topLevelItem(i)->childCount(); ++j)
+            EXPECT_FALSE(sidebar->topLevelItem(i)->child(j)->icon(0).isNull()) << "every tool row has an icon";
+}
+
+TEST(ContentViewTest, TheTwoCleanupRowsAreDistinctTools)
+{
+    Shell s;
+    ContentView* window = s.shell.window();
+    auto* sidebar = window->findChild<QTreeWidget*>(QStringLiteral("sidebarTreeWidget"));
+    sidebar->setCurrentItem(sidebar->topLevelItem(1)->child(2));
+    EXPECT_EQ(window->selection(), sidebarItem(Tool::homebrewCleanup).id);
+    QWidget* homebrewScreen = window->currentScreen();
+    sidebar->setCurrentItem(sidebar->topLevelItem(0)->child(2));
+    EXPECT_EQ(window->selection(), sidebarItem(Tool::xcodeCleanup).id);
+    EXPECT_NE(window->currentScreen(), homebrewScreen);
+    // Headings are not selectable destinations.
+    sidebar->setCurrentItem(sidebar->topLevelItem(0));
+    EXPECT_EQ(window->selection(), sidebarItem(Tool::xcodeCleanup).id);
+}
+
+TEST(ContentViewTest, ClosingKeepsTheProcessAndOpenWindowRestoresTheSameState)
+{
+    Shell s;
+    s.shell.openWindow();
+    ContentView* window = s.shell.window();
+    window->select(sidebarItem(Tool::homebrewCatalog).id);
+    QWidget* screen = window->currentScreen();
+    EXPECT_FALSE(QApplication::quitOnLastWindowClosed());
+    window->close();
+    EXPECT_FALSE(window->isVisible());
+    s.shell.openWindowAction()->trigger();
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_EQ(s.shell.window(), window);
+    EXPECT_EQ(window->currentScreen(), screen);
+    EXPECT_EQ(window->selection(), sidebarItem(Tool::homebrewCatalog).id);
+    EXPECT_TRUE(s.app.didCheckVersion()) << "the first appearance ran the start-up work once";
+}
+
+TEST(ContentViewTest, ToastShowsForThreeSecondsAndANewMessageRestartsTheCount)
+{
+    Shell s;
+    s.shell.openWindow();
+    ToastOverlay* toast = s.shell.window()->toast();
+    s.app.viewModel().setToast(QStringLiteral("First"));
+    EXPECT_EQ(toast->text(), QStringLiteral("First"));
+    QElapsedTimer clock;
+    clock.start();
+    ASSERT_TRUE(test::waitUntil([&] { return clock.elapsed() > 2000; }, 3000));
+    s.app.viewModel().setToast(QStringLiteral("Second"));
+    const qint64 restartedAt = clock.elapsed();
+    // The first message's three seconds pass; the second still shows.
+    ASSERT_TRUE(test::waitUntil([&] { return clock.elapsed() > 3500; }, 4000));
+    EXPECT_EQ(toast->text(), QStringLiteral("Second"));
+    ASSERT_TRUE(test::waitUntil([&] { return toast->text().isEmpty(); }, 4000));
+    EXPECT_GE(clock.elapsed() - restartedAt, 2990);
+    EXPECT_FALSE(s.app.viewModel().toastMessage().has_value()) << "dismissal clears the message";
+}
