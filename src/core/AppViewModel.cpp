@@ -2,6 +2,8 @@
 
 #include "core/state/SavedSpaceStore.h"
 #include "foundation/Defaults.h"
+#include "platform/Workspace.h"
+#include "xcode_releases/XcodeReleaseService.h"
 
 namespace quillbay {
 
@@ -51,6 +53,7 @@ AppViewModel::AppViewModel(Defaults& defaults, SavedSpaceStore& savedSpaceStore,
     // No bookmark is resolved here: a stored one only means authorization is on record.
     m_isDeveloperFolderAuthorized = !defaults.dataValue(QLatin1String(developerFolderBookmarkKey)).isEmpty();
     m_appearanceIndex = defaults.integerValue(QLatin1String(appearanceIndexKey), 0);
+    initReleases();
 }
 
 AppViewModel::~AppViewModel() = default;

@@ -7,7 +7,7 @@
 #include "foundation/Defaults.h"
 
 using namespace quillbay;
-using Column = AppViewModel::ReleaseColumn;
+using ReleaseColumn = AppViewModel::ReleaseColumn;
 
 namespace {
 
@@ -26,10 +26,11 @@ TEST(AppViewModelTest, FreshDefaultsGiveTheFirstRunColumns)
     SavedSpaceStore saved(defaults, QStringLiteral("TotalBytesDeleted"));
     AppViewModel model(defaults, saved);
     EXPECT_TRUE(model.onlyRelease());
-    const std::pair<Column, bool> expected[] = {
-        {Column::release, true},   {Column::date, false},    {Column::required, true},      {Column::swift, false},
-        {Column::macOS, true},     {Column::iOS, true},      {Column::watchOS, false},      {Column::tvOS, false},
-        {Column::visionOS, false}, {Column::download, true}, {Column::releaseNotes, false},
+    const std::pair<ReleaseColumn, bool> expected[] = {
+        {ReleaseColumn::release, true},  {ReleaseColumn::date, false},         {ReleaseColumn::required, true},
+        {ReleaseColumn::swift, false},   {ReleaseColumn::macOS, true},         {ReleaseColumn::iOS, true},
+        {ReleaseColumn::watchOS, false}, {ReleaseColumn::tvOS, false},         {ReleaseColumn::visionOS, false},
+        {ReleaseColumn::download, true}, {ReleaseColumn::releaseNotes, false},
     };
     for (const auto& [column, visible] : expected) {
         SCOPED_TRACE(AppViewModel::releaseColumnKey(column).toStdString());
@@ -56,9 +57,9 @@ TEST(AppViewModelTest, StoredValuesWinAndWrongTypesFallBack)
     SavedSpaceStore saved(defaults, QStringLiteral("TotalBytesDeleted"));
     AppViewModel model(defaults, saved);
     EXPECT_FALSE(model.onlyRelease());
-    EXPECT_FALSE(model.isReleaseColumnVisible(Column::release));
-    EXPECT_TRUE(model.isReleaseColumnVisible(Column::date));
-    EXPECT_TRUE(model.isReleaseColumnVisible(Column::macOS)) << "a wrongly typed value takes the default";
+    EXPECT_FALSE(model.isReleaseColumnVisible(ReleaseColumn::release));
+    EXPECT_TRUE(model.isReleaseColumnVisible(ReleaseColumn::date));
+    EXPECT_TRUE(model.isReleaseColumnVisible(ReleaseColumn::macOS)) << "a wrongly typed value takes the default";
     EXPECT_EQ(model.appearanceIndex(), 0);
     EXPECT_TRUE(model.isDeveloperFolderAuthorized());
 }
@@ -71,8 +72,8 @@ TEST(AppViewModelTest, SettersWriteThroughOnEveryAssignment)
         SavedSpaceStore saved(defaults, QStringLiteral("TotalBytesDeleted"));
         AppViewModel model(defaults, saved);
         model.setOnlyRelease(false);
-        model.setReleaseColumnVisible(Column::visionOS, true);
-        model.setReleaseColumnVisible(Column::download, false);
+        model.setReleaseColumnVisible(ReleaseColumn::visionOS, true);
+        model.setReleaseColumnVisible(ReleaseColumn::download, false);
         model.setAppearanceIndex(2);
         defaults.sync();
     }
@@ -80,7 +81,7 @@ TEST(AppViewModelTest, SettersWriteThroughOnEveryAssignment)
     SavedSpaceStore saved(defaults, QStringLiteral("TotalBytesDeleted"));
     AppViewModel model(defaults, saved);
     EXPECT_FALSE(model.onlyRelease());
-    EXPECT_TRUE(model.isReleaseColumnVisible(Column::visionOS));
-    EXPECT_FALSE(model.isReleaseColumnVisible(Column::download));
+    EXPECT_TRUE(model.isReleaseColumnVisible(ReleaseColumn::visionOS));
+    EXPECT_FALSE(model.isReleaseColumnVisible(ReleaseColumn::download));
     EXPECT_EQ(model.appearanceIndex(), 2);
 }

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QByteArray>
+#include <QHttpServer>
+#include <QMutex>
+#include <QStringList>
+#include <QUrl>
+
+namespace quillbay::test {
+
+// A real HTTP server on loopback that answers "/data.json" with whatever status and body
+// the test sets, and counts the requests it saw.
+class FeedServer
+{
+public:
+    FeedServer();
+
+    void answer(int status, const QByteArray& body)
+    {
+        m_status = status;
+        m_body = body;
+    }
+    QUrl feedURL() const { return m_url; }
+    int requestCount() const { return m_requests; }
+
+private:
+    QHttpServer m_server;
+    QUrl m_url;
+    int m_status = 200;
+    QByteArray m_body;
+    int m_requests = 0;
+};
+
+// Collects the messages of one logging category while it lives.
+class LogCapture
+{
+public:
+    explicit LogCapture(const char* category);
+    ~LogCapture();
+    QStringList messages() const;
+
+private:
+    static void handler(QtMsgType type, const QMessageLogContext& context, const QString& message);
+    QtMessageHandler m_previous;
+};
+
+// A small valid feed of two releases, one final and one beta, with keys the records
+// don't know, so that byte-for-byte caching is visible.
+QByteArray smallFeed();
+// Another valid feed with three releases.
+QByteArray otherFeed();
+
+} // namespace quillbay::test
