@@ -39,6 +39,20 @@ const QHash<QString, QStringList>& symbolTable()
         {QStringLiteral("ellipsis.circle"), {QStringLiteral("overflow-menu"), QStringLiteral("application-menu")}},
         {QStringLiteral("checkmark"), {QStringLiteral("checkmark"), QStringLiteral("dialog-ok")}},
         {QStringLiteral("apple.logo"), {QStringLiteral("cpu")}},
+        // Releases table.
+        {QStringLiteral("info.circle.fill"), {QStringLiteral("dialog-information"), QStringLiteral("help-about")}},
+        {QStringLiteral("arrow.left.and.right"),
+         {QStringLiteral("zoom-fit-width"), QStringLiteral("distribute-horizontal-x")}},
+        {QStringLiteral("line.3.horizontal.decrease"), {QStringLiteral("view-filter")}},
+        {QStringLiteral("tablecells"), {QStringLiteral("table"), QStringLiteral("object-columns")}},
+        {QStringLiteral("doc.text"), {QStringLiteral("text-x-generic"), QStringLiteral("x-office-document")}},
+        {QStringLiteral("cpu"), {QStringLiteral("cpu")}},
+        {QStringLiteral("swift"), {QStringLiteral("text-x-csrc"), QStringLiteral("applications-development")}},
+        {QStringLiteral("desktopcomputer"), {QStringLiteral("computer"), QStringLiteral("video-display")}},
+        {QStringLiteral("iphone"), {QStringLiteral("smartphone"), QStringLiteral("phone")}},
+        {QStringLiteral("applewatch"), {QStringLiteral("mail-thread-watch"), QStringLiteral("smartphone")}},
+        {QStringLiteral("tv"), {QStringLiteral("video-television"), QStringLiteral("tv")}},
+        {QStringLiteral("vision.pro"), {QStringLiteral("face-glasses"), QStringLiteral("view-preview")}},
     };
     return table;
 }

@@ -2,14 +2,15 @@
 
 #include "core/QuillbayApp.h"
 #include "core/views/ComingSoonPanel.h"
+#include "xcode_releases/views/XcodeReleasesView.h"
 
 namespace quillbay {
 
 QWidget* createToolScreen(Tool tool, QuillbayApp& app, QWidget* parent)
 {
-    Q_UNUSED(app);
     switch (tool) {
     case Tool::xcodeReleases:
+        return new XcodeReleasesView(app.viewModel(), parent);
     case Tool::assetsMaker:
     case Tool::xcodeCleanup:
     case Tool::homebrewCatalog:
