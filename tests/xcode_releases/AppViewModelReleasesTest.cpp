@@ -5,6 +5,7 @@
 
 #include "FeedServer.h"
 #include "RecordingWorkspace.h"
+#include "ReleasesFixture.h"
 #include "core/AppViewModel.h"
 #include "core/state/SavedSpaceStore.h"
 #include "foundation/BuildConfig.h"
@@ -35,30 +36,6 @@ QStringList versions(const AppViewModel& model)
         texts << cellText(release, Column::version, true);
     return texts;
 }
-
-// A view model whose feed is a loopback server and whose cache is a temporary file. The
-// start-up tasks are queued, so the swap happens before they run.
-struct Store
-{
-    TempTree tree;
-    FeedServer server;
-    QString cachePath = tree.path(QStringLiteral("Caches/xcodereleases.json"));
-    SettingsDefaults defaults {tree.path(QStringLiteral("defaults.ini"))};
-    SavedSpaceStore saved {defaults, QStringLiteral("TotalBytesDeleted")};
-    SerialExecutor<CacheManager> cache {std::make_unique<CacheManager>(cachePath)};
-    std::unique_ptr<AppViewModel> model;
-
-    explicit Store(std::optional<QByteArray> cached, int status, const QByteArray& body)
-    {
-        tree.mkdir(QStringLiteral("Caches"));
-        if (cached)
-            tree.writeFile(QStringLiteral("Caches/xcodereleases.json"), *cached);
-        server.answer(status, body);
-        model = std::make_unique<AppViewModel>(defaults, saved);
-        model->replaceXcodeReleaseService(XcodeReleaseService::createWithNetwork(server.feedURL(), cache));
-        model->replaceWorkspace(std::make_unique<RecordingWorkspace>());
-    }
-};
 
 } // namespace
 

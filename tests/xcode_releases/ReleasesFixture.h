@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QFile>
+#include <memory>
+#include <optional>
+
+#include "FeedServer.h"
+#include "RecordingWorkspace.h"
+#include "core/AppViewModel.h"
+#include "core/state/SavedSpaceStore.h"
+#include "foundation/Defaults.h"
+#include "testsupport/TempTree.h"
+#include "xcode_releases/XcodeReleaseService.h"
+
+namespace quillbay::test {
+
+// A view model whose feed is a loopback server and whose cache is a temporary file. The
+// start-up tasks are queued, so the swap happens before they run.
+struct Store
+{
+    TempTree tree;
+    FeedServer server;
+    QString cachePath = tree.path(QStringLiteral("Caches/xcodereleases.json"));
+    SettingsDefaults defaults {tree.path(QStringLiteral("defaults.ini"))};
+    SavedSpaceStore saved {defaults, QStringLiteral("TotalBytesDeleted")};
+    SerialExecutor<CacheManager> cache {std::make_unique<CacheManager>(cachePath)};
+    std::unique_ptr<AppViewModel> model;
+    RecordingWorkspace* workspace = nullptr;
+
+    explicit Store(std::optional<QByteArray> cached, int status, const QByteArray& body)
+    {
+        tree.mkdir(QStringLiteral("Caches"));
+        if (cached)
+            tree.writeFile(QStringLiteral("Caches/xcodereleases.json"), *cached);
+        server.answer(status, body);
+        model = std::make_unique<AppViewModel>(defaults, saved);
+        model->replaceXcodeReleaseService(XcodeReleaseService::createWithNetwork(server.feedURL(), cache));
+        auto recorder = std::make_unique<RecordingWorkspace>();
+        workspace = recorder.get();
+        model->replaceWorkspace(std::move(recorder));
+    }
+};
+
+} // namespace quillbay::test

@@ -1,0 +1,305 @@
+#include <QCheckBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QPushButton>
+#include <QStackedWidget>
+#include <QTest>
+#include <QToolButton>
+
+#include <gtest/gtest.h>
+
+#include "ReleasesFixture.h"
+#include "testsupport/TestEnvironment.h"
+#include "xcode_releases/views/DownloadInfoPopover.h"
+#include "xcode_releases/views/ReleaseColumnsPopover.h"
+#include "xcode_releases/views/ReleasesReminderPopover.h"
+#include "xcode_releases/views/XcodeReleasesCellDelegate.h"
+#include "xcode_releases/views/XcodeReleasesTable.h"
+#include "xcode_releases/views/XcodeReleasesTableModel.h"
+#include "xcode_releases/views/XcodeReleasesView.h"
+
+using namespace quillbay;
+using namespace quillbay::test;
+using namespace Qt::StringLiterals;
+using Part = XcodeReleasesCellDelegate::Part;
+
+namespace {
+
+// Five releases in feed order: a beta, a final with every link, a release candidate, a
+// {"release": false} and a {"Release": true}, which the filter hides but labels "Release".
+const QByteArray kFeed = R"j([
+ {"name": "Xcode (Apple Silicon)", "requires": "15.3", "date": {"day": 9, "month": 6, "year": 2025},
+  "sdks": {"macOS": [{"build": "25A5279m", "number": "26.0"}], "iOS": [{"build": "", "number": "26.0"}]},
+  "version": {"build": "17A5241e", "number": "26.0", "release": {"beta": 1}}},
+ {"name": "Xcode", "requires": "14.5", "date": {"day": 5, "month": 3, "year": 2025},
+  "compilers": {"swift": [{"build": "6.1.0.110.21", "number": "6.1"}]},
+  "sdks": {"macOS": [{"build": "24E241", "number": "15.4"}], "iOS": [{"build": "22E235", "number": "18.4"}]},
+  "links": {"download": {"url": "https://download.example.test/Xcode_16.3.xip"},
+            "notes": {"url": "https://notes.example.test/16.3"}},
+  "version": {"build": "16E140", "number": "16.3", "release": {"release": true}}},
+ {"name": "Xcode", "requires": "14.5", "date": {"day": 1, "month": 2, "year": 2025},
+  "version": {"build": "16E5104o", "number": "16.3", "release": {"rc": 1}}},
+ {"name": "Xcode", "requires": "14.5", "date": {"day": 1, "month": 1, "year": 2025},
+  "links": {"download": {"url": "not a url at all"}},
+  "version": {"build": "16C5032a", "number": "16.2", "release": {"release": false}}},
+ {"name": "Xcode", "requires": "14.5", "date": {"day": 1, "month": 12, "year": 2024},
+  "version": {"build": "16C5031c", "number": "16.2", "release": {"Release": true}}}
+])j";
+
+struct Screen
+{
+    Store store;
+    std::unique_ptr<XcodeReleasesView> view;
+
+    explicit Screen(int status = 200, const QByteArray& body = kFeed)
+        : store(std::nullopt, status, body)
+    {
+        view = std::make_unique<XcodeReleasesView>(*store.model);
+        view->resize(1200, 600);
+        view->show();
+    }
+
+    XcodeReleasesTable* table() const { return view->table(); }
+    XcodeReleasesTableModel* model() const { return table()->releasesModel(); }
+    template <typename T> T* find(const char* name) const
+    {
+        auto* widget = view->findChild<T*>(QLatin1String(name));
+        EXPECT_NE(widget, nullptr) << name;
+        return widget;
+    }
+
+    QStringList headers() const
+    {
+        QStringList titles;
+        for (int i = 0; i < model()->columnCount(); ++i)
+            titles << model()->headerData(i, Qt::Horizontal, Qt::DisplayRole).toString();
+        return titles;
+    }
+    QStringList column(int section, int role = Qt::DisplayRole) const
+    {
+        QStringList texts;
+        for (int row = 0; row < model()->rowCount(); ++row)
+            texts << model()->index(row, section).data(role).toString();
+        return texts;
+    }
+    int sectionOf(Column column) const { return static_cast<int>(model()->columns().indexOf(column)); }
+
+    // Clicks a part of one cell the way a user would, through the viewport.
+    void clickPart(int row, Column column, Part part)
+    {
+        const QModelIndex index = model()->index(row, sectionOf(column));
+        const QRect rect = table()->cellDelegate()->partRect(table()->cellOption(index), index, part);
+        ASSERT_FALSE(rect.isEmpty()) << "no such part in that cell";
+        QTest::mouseClick(table()->viewport(), Qt::LeftButton, {}, rect.center());
+    }
+};
+
+} // namespace
+
+TEST(XcodeReleasesViewTest, FirstRunShowsTheDefaultColumnsAndFinalReleases)
+{
+    Screen s;
+    ASSERT_TRUE(waitUntil([&] { return s.store.model->releases().size() == 5; }));
+    EXPECT_EQ(s.headers(),
+              (QStringList {u"Version"_s, u"Release"_s, u"Required Environment"_s, u"macOS SDK"_s, u"iOS SDK"_s,
+                            u"Download"_s}));
+    EXPECT_EQ(s.column(0), QStringList {u"Xcode 16.3"_s});
+    EXPECT_EQ(s.column(s.sectionOf(Column::macOSSDK)), QStringList {u"macOS 15.4"_s});
+    EXPECT_EQ(s.column(s.sectionOf(Column::macOSSDK), Qt::ToolTipRole), QStringList {u"macOS 15.4"_s});
+    EXPECT_EQ(s.column(s.sectionOf(Column::required)), QStringList {u"macOS 14.5+"_s});
+    EXPECT_TRUE(s.find<QToolButton>("onlyReleaseToolButton")->isChecked());
+    EXPECT_FALSE(s.view->isShowingFailure());
+    EXPECT_GE(s.table()->horizontalHeader()->sectionSize(0), 80);
+    for (int i = 1; i < s.model()->columnCount(); ++i)
+        EXPECT_GE(s.table()->horizontalHeader()->sectionSize(i), 60) << i;
+}
+
+TEST(XcodeReleasesViewTest, ColumnSwitchesApplyAndPersistAtOnce)
+{
+    Screen s;
+    ASSERT_TRUE(waitUntil([&] { return s.store.model->releases().size() == 5; }));
+    QTest::mouseClick(s.find<QToolButton>("columnsToolButton"), Qt::LeftButton);
+    ASSERT_TRUE(waitUntil([&] { return s.view->columnsPopover()->isVisible(); }));
+    const QList<QCheckBox*>& switches = s.view->columnsPopover()->switches();
+    QStringList labels;
+    for (QCheckBox* box : switches)
+        labels << box->text();
+    EXPECT_EQ(
+        labels,
+        (QStringList {u"Release"_s, u"Date"_s, u"Required Environment"_s, u"Swift"_s, u"macOS SDK"_s, u"iOS SDK"_s,
+                      u"watchOS SDK"_s, u"tvOS SDK"_s, u"visionOS SDK"_s, u"Download"_s, u"Release Notes"_s}));
+    for (QCheckBox* box : switches)
+        box->setChecked(false);
+    EXPECT_EQ(s.headers(), QStringList {u"Version"_s}) << "all flags off leaves the version column alone";
+    for (int i = 0; i < AppViewModel::releaseColumnCount; ++i) {
+        const auto flag = static_cast<AppViewModel::ReleaseColumn>(i);
+        const QString key = AppViewModel::releaseColumnKey(flag);
+        EXPECT_FALSE(s.store.defaults.boolValue(key, AppViewModel::releaseColumnDefault(flag))) << key.toStdString();
+    }
+
+    switches[10]->setChecked(true); // Release Notes
+    switches[3]->setChecked(true); // Swift
+    EXPECT_EQ(s.headers(), (QStringList {u"Version"_s, u"Swift"_s, u"Release Notes"_s}));
+    EXPECT_EQ(s.column(1), QStringList {u"6.1"_s});
+
+    // A second store on the same settings sees the same columns.
+    AppViewModel again(s.store.defaults, s.store.saved);
+    EXPECT_EQ(again.columns(), (QList<Column> {Column::swift, Column::releaseNotes}));
+}
+
+TEST(XcodeReleasesViewTest, FilterSwitchShowsEveryReleaseWithoutAFetch)
+{
+    Screen s;
+    ASSERT_TRUE(waitUntil([&] { return s.store.model->releases().size() == 5; }));
+    const int requests = s.store.server.requestCount();
+    QTest::mouseClick(s.find<QToolButton>("onlyReleaseToolButton"), Qt::LeftButton);
+    EXPECT_FALSE(s.store.model->onlyRelease());
+    EXPECT_FALSE(s.store.defaults.boolValue(u"OnlyRelease"_s, true));
+    EXPECT_EQ(s.column(0),
+              (QStringList {u"Xcode 26.0"_s, u"Xcode 16.3"_s, u"Xcode 16.3"_s, u"Xcode 16.2"_s, u"Xcode 16.2"_s}));
+    EXPECT_EQ(s.column(1), (QStringList {u"Beta 1"_s, u"Release"_s, u"RC 1"_s, u"Release"_s, u"Release"_s}));
+    EXPECT_EQ(s.store.server.requestCount(), requests);
+
+    QTest::mouseClick(s.find<QToolButton>("onlyReleaseToolButton"), Qt::LeftButton);
+    EXPECT_EQ(s.model()->rowCount(), 1);
+}
+
+TEST(XcodeReleasesViewTest, RetryShowsAnEmptyTableWhileItRunsAndTheFailureAgainIfItFails)
+{
+    Screen s(500, {});
+    ASSERT_TRUE(waitUntil([&] { return s.view->isShowingFailure(); }));
+    EXPECT_EQ(s.find<QLabel>("failureLabel")->text(), u"Failed to load data"_s);
+    EXPECT_TRUE(s.find<QLabel>("failureLabel")->isVisible());
+
+    QTest::mouseClick(s.find<QPushButton>("retryPushButton"), Qt::LeftButton);
+    EXPECT_FALSE(s.view->isShowingFailure());
+    EXPECT_EQ(s.model()->rowCount(), 0);
+    ASSERT_TRUE(waitUntil([&] { return s.view->isShowingFailure(); }));
+    EXPECT_EQ(s.store.server.requestCount(), 2);
+
+    s.store.server.answer(200, kFeed);
+    QTest::mouseClick(s.find<QPushButton>("retryPushButton"), Qt::LeftButton);
+    ASSERT_TRUE(waitUntil([&] { return s.model()->rowCount() == 1; }));
+    EXPECT_FALSE(s.view->isShowingFailure());
+
+    // With a list on show, a failed refresh shows nothing at all.
+    s.store.server.answer(500, {});
+    s.store.model->refreshReleases();
+    ASSERT_TRUE(waitUntil([&] { return s.store.model->hasError(); }));
+    EXPECT_FALSE(s.view->isShowingFailure());
+    EXPECT_EQ(s.model()->rowCount(), 1);
+}
+
+TEST(XcodeReleasesViewTest, MoreInformationAddsBuildLinesOnlyWhereABuildExists)
+{
+    Screen s;
+    ASSERT_TRUE(waitUntil([&] { return s.store.model->releases().size() == 5; }));
+    s.store.model->setOnlyRelease(false);
+    s.store.model->setReleaseColumnVisible(AppViewModel::ReleaseColumn::swift, true);
+    const int plainHeight = s.table()->verticalHeader()->defaultSectionSize();
+    EXPECT_EQ(s.column(0, XcodeReleasesTableModel::BuildLineRole), QStringList(5, QString()));
+
+    QTest::mouseClick(s.find<QToolButton>("moreInformationToolButton"), Qt::LeftButton);
+    EXPECT_TRUE(s.view->isExpand());
+    EXPECT_GT(s.table()->verticalHeader()->defaultSectionSize(), plainHeight);
+    EXPECT_EQ(s.column(0, XcodeReleasesTableModel::BuildLineRole),
+              (QStringList {u"17A5241e"_s, u"16E140"_s, u"16E5104o"_s, u"16C5032a"_s, u"16C5031c"_s}));
+    EXPECT_EQ(s.column(s.sectionOf(Column::macOSSDK), XcodeReleasesTableModel::BuildLineRole),
+              (QStringList {u"25A5279m"_s, u"24E241"_s, QString(), QString(), QString()}));
+    EXPECT_EQ(s.column(s.sectionOf(Column::iOSSDK), XcodeReleasesTableModel::BuildLineRole),
+              (QStringList {QString(), u"22E235"_s, QString(), QString(), QString()}))
+        << "an empty build string gets no line";
+    EXPECT_EQ(s.column(s.sectionOf(Column::swift), XcodeReleasesTableModel::BuildLineRole),
+              (QStringList {QString(), u"6.1.0.110.21"_s, QString(), QString(), QString()}));
+    EXPECT_EQ(s.column(s.sectionOf(Column::macOSSDK)).first(), u"macOS 26.0"_s) << "the short form stays";
+    EXPECT_EQ(s.column(0, XcodeReleasesTableModel::AppleSiliconRole).first(), u"true"_s);
+    const QModelIndex version = s.model()->index(0, 0);
+    EXPECT_FALSE(
+        s.table()->cellDelegate()->partRect(s.table()->cellOption(version), version, Part::appleSilicon).isEmpty());
+}
+
+TEST(XcodeReleasesViewTest, LinksOpenOnlyRealAddresses)
+{
+    Screen s;
+    ASSERT_TRUE(waitUntil([&] { return s.store.model->releases().size() == 5; }));
+    s.store.model->setOnlyRelease(false);
+    s.store.model->setReleaseColumnVisible(AppViewModel::ReleaseColumn::releaseNotes, true);
+    QList<QUrl>& opened = s.store.workspace->opened;
+
+    s.clickPart(0, Column::releaseNotes, Part::releaseNotesButton);
+    EXPECT_TRUE(opened.isEmpty()) << "a release without notes still shows the button, which does nothing";
+    s.clickPart(1, Column::releaseNotes, Part::releaseNotesButton);
+    EXPECT_EQ(opened, QList<QUrl> {QUrl(u"https://notes.example.test/16.3"_s)});
+
+    s.clickPart(1, Column::download, Part::downloadLink);
+    EXPECT_EQ(opened.value(1), QUrl(u"https://download.example.test/Xcode_16.3.xip"_s));
+    s.clickPart(3, Column::download, Part::downloadLink);
+    EXPECT_EQ(opened.size(), 2) << "a download text that is no address opens nothing";
+
+    // Hovering turns the link into the two icon buttons.
+    const QModelIndex cell = s.model()->index(1, s.sectionOf(Column::download));
+    QTest::mouseMove(s.table()->viewport(), s.table()->visualRect(cell).center());
+    ASSERT_TRUE(waitUntil([&] { return s.table()->cellDelegate()->hoveredIndex() == cell; }));
+    s.clickPart(1, Column::download, Part::downloadButton);
+    EXPECT_EQ(opened.value(2), QUrl(u"https://download.example.test/Xcode_16.3.xip"_s));
+    s.clickPart(1, Column::download, Part::infoButton);
+    DownloadInfoPopover* info = s.view->downloadInfoPopover();
+    ASSERT_TRUE(waitUntil([&] { return info->isVisible(); }));
+    QStringList lines;
+    for (const QLabel* label : info->findChildren<QLabel*>())
+        lines << label->text();
+    EXPECT_EQ(
+        lines,
+        (QStringList {u"If the direct download link doesn't work,"_s,
+                      u"make sure you're logged in to developer.apple.com."_s, u"You can find most downloads at"_s}));
+    auto* all = info->findChild<QPushButton*>(u"allDownloadsPushButton"_s);
+    ASSERT_NE(all, nullptr);
+    EXPECT_EQ(all->text(), u"developer.apple.com"_s);
+    all->click();
+    EXPECT_EQ(opened.value(3), QUrl(u"https://developer.apple.com/download/all/?q=Xcode/"_s));
+}
+
+TEST(XcodeReleasesViewTest, ToolbarReminderAndSubtitle)
+{
+    Screen s;
+    ASSERT_TRUE(waitUntil([&] { return s.store.model->releases().size() == 5; }));
+    QStringList order;
+    for (const char* name :
+         {"reminderToolButton", "moreInformationToolButton", "onlyReleaseToolButton", "columnsToolButton"}) {
+        auto* button = s.find<QToolButton>(name);
+        order << button->text() + u'|' + button->toolTip();
+        EXPECT_FALSE(button->icon().isNull()) << name;
+    }
+    EXPECT_EQ(order,
+              (QStringList {u"Reminder|Reminder"_s, u"More Information|More information"_s,
+                            u"Only Release|Only releases"_s, u"Table columns config|Table columns config"_s}));
+    QTest::mouseClick(s.find<QToolButton>("reminderToolButton"), Qt::LeftButton);
+    ASSERT_TRUE(waitUntil([&] { return s.view->reminderPopover()->isVisible(); }));
+    QStringList lines;
+    for (const QLabel* label : s.view->reminderPopover()->findChildren<QLabel*>())
+        lines << label->text();
+    EXPECT_EQ(lines,
+              (QStringList {u"All downloads are hosted by Apple."_s,
+                            u"Links on this site take you directly to Apple\u2019s download pages."_s,
+                            u"If the direct download link doesn't work,"_s,
+                            u"make sure you're logged in to developer.apple.com."_s}));
+    s.view->reminderPopover()->hide();
+
+    auto* subtitle = s.find<QLabel>("subtitleLabel");
+    EXPECT_TRUE(subtitle->isHidden()) << "no Xcode found gives no subtitle, not the word Current alone";
+}
+
+TEST(XcodeReleasesViewTest, SubtitleNamesTheInstalledXcode)
+{
+    Store store(std::nullopt, 200, kFeed);
+    store.tree.writeFile(u"Xcode.app/Contents/Info.plist"_s,
+                         "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>CFBundleShortVersionString</key>"
+                         "<string>16.3</string></dict></plist>");
+    store.model->replaceWorkspace(std::make_unique<RecordingWorkspace>(store.tree.path(u"Xcode.app"_s)));
+    XcodeReleasesView view(*store.model);
+    view.show();
+    auto* subtitle = view.findChild<QLabel*>(u"subtitleLabel"_s);
+    ASSERT_NE(subtitle, nullptr);
+    ASSERT_TRUE(waitUntil([&] { return subtitle->isVisible(); }));
+    EXPECT_EQ(subtitle->text(), u"Current Xcode 16.3"_s);
+}
