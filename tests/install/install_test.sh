@@ -28,7 +28,9 @@ sleep 3
 if ! kill -0 "$pid" 2>/dev/null; then
     echo "the installed program exited early:"; cat "$prefix/out.log"; exit 1
 fi
-if grep -Ei 'cannot|could not|failed to load|not found' "$prefix/out.log"; then
+# A release feed that cannot be reached (no network here) is logged by design, not a
+# missing resource.
+if grep -v 'Failed to fetch data: ' "$prefix/out.log" | grep -Ei 'cannot|could not|failed to load|not found'; then
     echo "the installed program reported a problem"; exit 1
 fi
 echo "installed program runs from $(pwd)"
