@@ -1,2 +1,2 @@
 # The names in FuzzTargets.h allTargets, one libFuzzer binary each.
-set(QUILLBAY_FUZZ_TARGET_NAMES version_text)
+set(QUILLBAY_FUZZ_TARGET_NAMES version_text xcode_release_feed)

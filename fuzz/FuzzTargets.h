@@ -17,9 +17,11 @@ struct NamedTarget
 };
 
 void versionText(const std::uint8_t* data, std::size_t size);
+void xcodeReleaseFeed(const std::uint8_t* data, std::size_t size);
 
 inline constexpr NamedTarget allTargets[] = {
     {"version_text", versionText},
+    {"xcode_release_feed", xcodeReleaseFeed},
 };
 
 } // namespace quillbay::fuzz

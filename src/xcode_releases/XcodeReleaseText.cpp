@@ -138,7 +138,8 @@ QString releaseDateText(const XcodeRelease::DateInfo& date, const QLocale& local
 {
     // Far outside any calendar's reach; also keeps the int conversions below exact.
     constexpr qint64 limit = 1'000'000;
-    if (std::abs(date.year) > limit || std::abs(date.month) > limit || std::abs(date.day) > limit * 400)
+    const auto outside = [](qint64 value, qint64 bound) { return value < -bound || value > bound; };
+    if (outside(date.year, limit) || outside(date.month, limit) || outside(date.day, limit * 400))
         return {};
     const QDate start(static_cast<int>(date.year), 1, 1);
     if (!start.isValid())

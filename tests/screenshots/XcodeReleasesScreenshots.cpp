@@ -9,11 +9,12 @@
 #include "core/state/SavedSpaceStore.h"
 #include "foundation/Defaults.h"
 #include "platform/Workspace.h"
+#include "tests/screenshots/Screenshots.h"
 #include "testsupport/TestEnvironment.h"
 #include "xcode_releases/XcodeReleaseService.h"
 #include "xcode_releases/views/XcodeReleasesView.h"
 
-namespace quillbay {
+namespace quillbay::screenshots {
 
 namespace {
 
@@ -89,24 +90,22 @@ struct ScreenState
     }
 };
 
-void save(QWidget& view, const QString& outDir, const char* name)
+void show(QWidget& view)
 {
     view.resize(1180, 640);
     view.show();
-    QApplication::processEvents();
-    view.grab().save(QDir(outDir).filePath(QLatin1String(name)));
 }
 
 } // namespace
 
 void renderXcodeReleasesScreenshots(const QString& outDir)
 {
-    QDir().mkpath(outDir);
     {
         ScreenState state(200, fixtureFeed());
         XcodeReleasesView view(state.model);
         state.settle();
-        save(view, outDir, "xcode-releases-table.png");
+        show(view);
+        save(&view, outDir, QStringLiteral("xcode-releases-table"));
     }
     {
         ScreenState state(200, fixtureFeed());
@@ -116,14 +115,16 @@ void renderXcodeReleasesScreenshots(const QString& outDir)
         XcodeReleasesView view(state.model);
         state.settle();
         view.findChild<QToolButton*>(QStringLiteral("moreInformationToolButton"))->click();
-        save(view, outDir, "xcode-releases-table-expanded.png");
+        show(view);
+        save(&view, outDir, QStringLiteral("xcode-releases-table-expanded"));
     }
     {
         ScreenState state(500, {});
         XcodeReleasesView view(state.model);
         state.settle();
-        save(view, outDir, "xcode-releases-failure.png");
+        show(view);
+        save(&view, outDir, QStringLiteral("xcode-releases-failure"));
     }
 }
 
-} // namespace quillbay
+} // namespace quillbay::screenshots

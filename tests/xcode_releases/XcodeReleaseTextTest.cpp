@@ -1,3 +1,5 @@
+#include <limits>
+
 #include <gtest/gtest.h>
 
 #include "xcode_releases/XcodeReleaseDecoder.h"
@@ -185,10 +187,15 @@ TEST(XcodeReleaseTextTest, DateTextFollowsTheLocaleAndRollsOver)
     const QLocale english(QLocale::English, QLocale::UnitedStates);
     const QLocale german(QLocale::German, QLocale::Germany);
     const Case cases[] = {
-        {{12, 12, 2025}, english, u"Dec 12, 2025"_s}, {{12, 12, 2025}, german, u"12. Dez. 2025"_s},
-        {{0, 3, 2024}, english, u"Feb 29, 2024"_s},   {{1, 13, 2024}, english, u"Jan 1, 2025"_s},
-        {{31, 0, 2024}, english, u"Dec 31, 2023"_s},  {{1, 1, 0}, english, QString()},
+        {{12, 12, 2025}, english, u"Dec 12, 2025"_s},
+        {{12, 12, 2025}, german, u"12. Dez. 2025"_s},
+        {{0, 3, 2024}, english, u"Feb 29, 2024"_s},
+        {{1, 13, 2024}, english, u"Jan 1, 2025"_s},
+        {{31, 0, 2024}, english, u"Dec 31, 2023"_s},
+        {{1, 1, 0}, english, QString()},
         {{1, 1, 9'000'000'000}, english, QString()},
+        {{std::numeric_limits<qint64>::min(), 1, 2020}, english, QString()},
+        {{1, std::numeric_limits<qint64>::max(), 2020}, english, QString()},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.expected.toStdString());

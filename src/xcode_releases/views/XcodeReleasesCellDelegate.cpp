@@ -65,10 +65,11 @@ CellLayout layoutFor(const QStyleOptionViewItem& option, const QModelIndex& inde
         x += kSymbolSize + kSymbolGap;
     }
     const QString text = index.data(Qt::DisplayRole).toString();
-    const int textWidth = std::min(mainMetrics.horizontalAdvance(text), std::max(0, inner.right() - x));
+    const int textWidth = std::min(mainMetrics.horizontalAdvance(text), std::max(0, inner.x() + inner.width() - x));
     layout.text = QRect(x, top, textWidth, mainMetrics.height());
     if (hasBuild) {
-        const int buildWidth = std::min(buildMetrics.horizontalAdvance(buildLine), std::max(0, inner.right() - x));
+        const int buildWidth
+            = std::min(buildMetrics.horizontalAdvance(buildLine), std::max(0, inner.x() + inner.width() - x));
         layout.build = QRect(x, layout.text.bottom() + 1 + kLineGap, buildWidth, buildMetrics.height());
     }
     if (index.data(XcodeReleasesTableModel::AppleSiliconRole).toBool()) {
