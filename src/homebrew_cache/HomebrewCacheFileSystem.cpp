@@ -93,6 +93,29 @@ QByteArray lastComponent(const QByteArray& path)
 
 } // namespace
 
+QString HomebrewCacheFileSystem::cleanPath(const QString& path)
+{
+    const qsizetype size = path.size();
+    bool clean = size > 0 && path.at(0) == QLatin1Char('/') && (size == 1 || path.at(size - 1) != QLatin1Char('/'));
+    for (qsizetype i = 0; clean && i < size; ++i) {
+        if (path.at(i) != QLatin1Char('/') || i + 1 >= size)
+            continue;
+        // A segment that is empty, "." or "..".
+        const QChar next = path.at(i + 1);
+        if (next == QLatin1Char('/'))
+            clean = false;
+        else if (next == QLatin1Char('.')) {
+            const qsizetype after = i + 2;
+            if (after >= size || path.at(after) == QLatin1Char('/'))
+                clean = false;
+            else if (path.at(after) == QLatin1Char('.')
+                     && (after + 1 >= size || path.at(after + 1) == QLatin1Char('/')))
+                clean = false;
+        }
+    }
+    return clean ? path : standardizedPath(path);
+}
+
 std::optional<struct stat> HomebrewCacheFileSystem::fileStatus(const QString& path)
 {
     struct stat st
@@ -132,8 +155,8 @@ bool HomebrewCacheFileSystem::fileExists(const QString& path)
 bool HomebrewCacheFileSystem::isInside(const QString& candidate, const QString& root, bool resolvingSymlinks)
 {
     if (resolvingSymlinks)
-        return isPathInside(resolvedPath(standardizedPath(candidate)), resolvedPath(standardizedPath(root)));
-    return isPathInside(standardizedPath(candidate), standardizedPath(root));
+        return isPathInside(resolvedPath(cleanPath(candidate)), resolvedPath(cleanPath(root)));
+    return isPathInside(cleanPath(candidate), cleanPath(root));
 }
 
 std::optional<QString> HomebrewCacheFileSystem::symbolicLinkDestination(const QString& path)
@@ -217,6 +240,16 @@ HomebrewCacheFileSystem::measureAt(int folderDescriptor, const QByteArray& name,
         return std::nullopt;
     return measureStatus(st, terminated, visited, [folderDescriptor, &terminated] {
         return ::openat(folderDescriptor, terminated.constData(), kOpenFolderFlags);
+    });
+}
+
+Measurement HomebrewCacheFileSystem::measureWithStatus(const struct stat& status,
+                                                       int folderDescriptor,
+                                                       const QByteArray& name,
+                                                       VisitedSet& visited)
+{
+    return measureStatus(status, name, visited, [folderDescriptor, &name] {
+        return ::openat(folderDescriptor, name.constData(), kOpenFolderFlags);
     });
 }
 

@@ -41,6 +41,10 @@ public:
         bool hasIssue = false;
     };
 
+    // The path with "." and ".." and repeated or trailing slashes removed, lexically.
+    // Paths the cache hands out are clean already; they come back without a copy.
+    static QString cleanPath(const QString& path);
+
     // lstat: a link is reported as itself.
     static std::optional<struct stat> fileStatus(const QString& path);
     static bool isDirectory(const QString& path);
@@ -68,6 +72,9 @@ public:
     static std::optional<Measurement> measure(const QString& path, VisitedSet& visited);
     // The same, relative to an open folder.
     static std::optional<Measurement> measureAt(int folderDescriptor, const QByteArray& name, VisitedSet& visited);
+    // The same, for an item of an open folder whose status is already known.
+    static Measurement
+    measureWithStatus(const struct stat& status, int folderDescriptor, const QByteArray& name, VisitedSet& visited);
     // Several items in order; one that cannot be examined adds nothing and sets hasIssue.
     static Measurement measure(const QStringList& paths, VisitedSet& visited);
 
