@@ -39,6 +39,9 @@ const QHash<QString, QStringList>& symbolTable()
         {QStringLiteral("ellipsis.circle"), {QStringLiteral("overflow-menu"), QStringLiteral("application-menu")}},
         {QStringLiteral("checkmark"), {QStringLiteral("checkmark"), QStringLiteral("dialog-ok")}},
         {QStringLiteral("apple.logo"), {QStringLiteral("cpu")}},
+        {QStringLiteral("externaldrive.badge.questionmark"),
+         {QStringLiteral("drive-harddisk"), QStringLiteral("dialog-question")}},
+        {QStringLiteral("checkmark.circle"), {QStringLiteral("emblem-success"), QStringLiteral("dialog-ok")}},
     };
     return table;
 }

@@ -2,19 +2,20 @@
 
 #include "core/QuillbayApp.h"
 #include "core/views/ComingSoonPanel.h"
+#include "homebrew_cache/views/HomebrewCacheCleanupView.h"
 
 namespace quillbay {
 
 QWidget* createToolScreen(Tool tool, QuillbayApp& app, QWidget* parent)
 {
-    Q_UNUSED(app);
     switch (tool) {
+    case Tool::homebrewCleanup:
+        return new HomebrewCacheCleanupView(app.homebrewCacheCleanupStore(), parent);
     case Tool::xcodeReleases:
     case Tool::assetsMaker:
     case Tool::xcodeCleanup:
     case Tool::homebrewCatalog:
     case Tool::homebrewInstalled:
-    case Tool::homebrewCleanup:
         break;
     }
     const SidebarItem& item = sidebarItem(tool);
