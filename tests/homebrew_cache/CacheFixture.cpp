@@ -19,8 +19,6 @@ namespace quillbay::test {
 
 namespace {
 
-const QString kRootRelative = QStringLiteral("home/Library/Caches/Homebrew");
-
 #if defined(__linux__)
 constexpr unsigned kPermissionCaps[] = {CAP_DAC_OVERRIDE, CAP_DAC_READ_SEARCH, CAP_FOWNER};
 
@@ -44,31 +42,32 @@ bool setPermissionCaps(bool effective)
 
 } // namespace
 
-CacheFixture::CacheFixture()
-    : m_root(m_tree.mkdir(kRootRelative))
+CacheFixture::CacheFixture(const QString& relativeRoot)
+    : m_relativeRoot(relativeRoot)
+    , m_root(m_tree.mkdir(relativeRoot))
 {
     m_tree.mkdir(QStringLiteral("outside"));
 }
 
 QString CacheFixture::file(const QString& relative, qint64 bytes)
 {
-    return m_tree.writeSizedFile(kRootRelative + QLatin1Char('/') + relative, bytes);
+    return m_tree.writeSizedFile(m_relativeRoot + QLatin1Char('/') + relative, bytes);
 }
 
 QString CacheFixture::folder(const QString& relative)
 {
-    return m_tree.mkdir(kRootRelative + QLatin1Char('/') + relative);
+    return m_tree.mkdir(m_relativeRoot + QLatin1Char('/') + relative);
 }
 
 QString CacheFixture::link(const QString& relative, const QString& target)
 {
-    return m_tree.symlink(kRootRelative + QLatin1Char('/') + relative, target);
+    return m_tree.symlink(m_relativeRoot + QLatin1Char('/') + relative, target);
 }
 
 QString CacheFixture::hardlink(const QString& relative, const QString& existingRelative)
 {
-    return m_tree.hardlink(kRootRelative + QLatin1Char('/') + relative,
-                           kRootRelative + QLatin1Char('/') + existingRelative);
+    return m_tree.hardlink(m_relativeRoot + QLatin1Char('/') + relative,
+                           m_relativeRoot + QLatin1Char('/') + existingRelative);
 }
 
 QString CacheFixture::outsideFile(const QString& relative, qint64 bytes)
@@ -78,7 +77,7 @@ QString CacheFixture::outsideFile(const QString& relative, qint64 bytes)
 
 bool CacheFixture::exists(const QString& relative) const
 {
-    return m_tree.exists(kRootRelative + QLatin1Char('/') + relative);
+    return m_tree.exists(m_relativeRoot + QLatin1Char('/') + relative);
 }
 
 std::vector<HomebrewCacheEntry> CacheFixture::scan() const

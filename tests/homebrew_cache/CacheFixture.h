@@ -24,7 +24,9 @@ class CacheFixture
 public:
     static constexpr auto displayPath = "~/Library/Caches/Homebrew";
 
-    CacheFixture();
+    // The cache below the temporary folder at `relativeRoot` (the platform's place for a
+    // home at "home" is "home/.cache/Homebrew").
+    explicit CacheFixture(const QString& relativeRoot = QStringLiteral("home/Library/Caches/Homebrew"));
 
     QString root() const { return m_root; }
     QString path(const QString& relative) const { return m_root + QLatin1Char('/') + relative; }
@@ -43,6 +45,7 @@ public:
     std::vector<HomebrewCacheEntry> scan() const;
 
 private:
+    QString m_relativeRoot;
     TempTree m_tree;
     QString m_root;
 };
