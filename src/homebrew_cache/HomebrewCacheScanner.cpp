@@ -191,7 +191,7 @@ void ScanRun::collectTopLevel()
                                                {item.path},
                                                link.targetPath,
                                                link.hasIssue});
-        m_claimedTopLevel.insert(FS::cleanPath(item.path));
+        m_claimedTopLevel.insert(item.path); // listing paths are clean
     }
 }
 
@@ -288,8 +288,7 @@ std::vector<EntryDraft> ScanRun::drafts()
         if (m_downloadsListing) {
             QStringList unclaimed;
             for (const Item& item : m_downloadsListing->items()) {
-                const QString standardized = FS::cleanPath(item.path);
-                if (!claimedTargets.contains(standardized) && !sharedPaths.contains(standardized))
+                if (!claimedTargets.contains(item.path) && !sharedPaths.contains(item.path))
                     unclaimed.append(item.path);
             }
             if (!unclaimed.isEmpty()) {
@@ -311,7 +310,7 @@ std::vector<EntryDraft> ScanRun::drafts()
     // Everything else at the top level stands on its own. A "downloads" or "Cask" that is
     // a link or a plain file is such an item too, with nothing under it classified.
     for (const Item& item : m_rootListing.items()) {
-        const QString standardized = FS::cleanPath(item.path);
+        const QString& standardized = item.path;
         if (m_claimedTopLevel.contains(standardized))
             continue;
         if ((item.name == QLatin1StringView("downloads") && m_downloadsIsReal)
