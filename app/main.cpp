@@ -5,6 +5,7 @@
 #include "core/QuillbayApp.h"
 #include "core/views/AppShell.h"
 #include "core/views/SymbolIcons.h"
+#include "core/views/WidgetPickers.h"
 #include "foundation/BuildConfig.h"
 #include "foundation/Defaults.h"
 
@@ -21,7 +22,8 @@ int main(int argc, char* argv[])
 
     int status = 0;
     {
-        quillbay::QuillbayApp app(std::make_unique<quillbay::SettingsDefaults>());
+        quillbay::QuillbayApp app(std::make_unique<quillbay::SettingsDefaults>(),
+                                  std::make_unique<quillbay::WidgetPickers>());
         quillbay::AppShell shell(app);
         shell.openWindow();
         status = QApplication::exec();

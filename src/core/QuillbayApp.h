@@ -3,10 +3,14 @@
 #include <QObject>
 #include <memory>
 
+#include "platform/Pickers.h"
+
 namespace quillbay {
 
 class AppViewModel;
 class Defaults;
+class HomebrewCacheCleanupStore;
+
 class SavedSpaceStore;
 
 // The composition root: builds every long-lived store once, in a fixed order, and owns
@@ -20,12 +24,17 @@ class QuillbayApp : public QObject
     Q_OBJECT
 
 public:
-    explicit QuillbayApp(std::unique_ptr<Defaults> defaults, QObject* parent = nullptr);
+    // Without pickers (tests of other screens), folder panels answer as if cancelled.
+    explicit QuillbayApp(std::unique_ptr<Defaults> defaults,
+                         std::unique_ptr<Pickers> pickers = nullptr,
+                         QObject* parent = nullptr);
     ~QuillbayApp() override;
 
     Defaults& defaults() const { return *m_defaults; }
     SavedSpaceStore& savedSpaceStore() const { return *m_savedSpaceStore; }
     AppViewModel& viewModel() const { return *m_viewModel; }
+    Pickers& pickers() const { return *m_pickers; }
+    HomebrewCacheCleanupStore& homebrewCacheCleanupStore() const { return *m_homebrewCacheCleanupStore; }
 
     bool didCheckVersion() const { return m_didCheckVersion; }
 
@@ -37,8 +46,10 @@ public:
 
 private:
     std::unique_ptr<Defaults> m_defaults;
+    std::unique_ptr<Pickers> m_pickers;
     std::unique_ptr<SavedSpaceStore> m_savedSpaceStore;
     std::unique_ptr<AppViewModel> m_viewModel;
+    std::unique_ptr<HomebrewCacheCleanupStore> m_homebrewCacheCleanupStore;
     bool m_didCheckVersion = false;
     bool m_isShutDown = false;
 };

@@ -42,6 +42,7 @@ int main(int argc, char** argv)
     const std::vector<std::pair<const char*, Renderer>> renderers {
         {"shell", quillbay::screenshots::renderShellScreenshots},
         {"xcode releases", quillbay::screenshots::renderXcodeReleasesScreenshots},
+        {"homebrew-cache", quillbay::screenshots::renderHomebrewCacheScreenshots},
     };
     for (const auto& [name, render] : renderers) {
         std::printf("== %s\n", name);

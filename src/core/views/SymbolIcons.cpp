@@ -53,6 +53,9 @@ const QHash<QString, QStringList>& symbolTable()
         {QStringLiteral("applewatch"), {QStringLiteral("mail-thread-watch"), QStringLiteral("smartphone")}},
         {QStringLiteral("tv"), {QStringLiteral("video-television"), QStringLiteral("tv")}},
         {QStringLiteral("vision.pro"), {QStringLiteral("face-glasses"), QStringLiteral("view-preview")}},
+        {QStringLiteral("externaldrive.badge.questionmark"),
+         {QStringLiteral("drive-harddisk"), QStringLiteral("dialog-question")}},
+        {QStringLiteral("checkmark.circle"), {QStringLiteral("emblem-success"), QStringLiteral("dialog-ok")}},
     };
     return table;
 }

@@ -3,19 +3,21 @@
 #include "core/QuillbayApp.h"
 #include "core/views/ComingSoonPanel.h"
 #include "xcode_releases/views/XcodeReleasesView.h"
+#include "homebrew_cache/views/HomebrewCacheCleanupView.h"
 
 namespace quillbay {
 
 QWidget* createToolScreen(Tool tool, QuillbayApp& app, QWidget* parent)
 {
     switch (tool) {
+    case Tool::homebrewCleanup:
+        return new HomebrewCacheCleanupView(app.homebrewCacheCleanupStore(), parent);
     case Tool::xcodeReleases:
         return new XcodeReleasesView(app.viewModel(), parent);
     case Tool::assetsMaker:
     case Tool::xcodeCleanup:
     case Tool::homebrewCatalog:
     case Tool::homebrewInstalled:
-    case Tool::homebrewCleanup:
         break;
     }
     const SidebarItem& item = sidebarItem(tool);

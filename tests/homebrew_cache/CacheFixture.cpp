@@ -1,0 +1,162 @@
+#include "CacheFixture.h"
+
+#include <QDirIterator>
+#include <QFile>
+#include <QHash>
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#if defined(__linux__)
+#include <linux/capability.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+#endif
+
+#include "testsupport/TestEnvironment.h"
+
+namespace quillbay::test {
+
+namespace {
+
+#if defined(__linux__)
+constexpr unsigned kPermissionCaps[] = {CAP_DAC_OVERRIDE, CAP_DAC_READ_SEARCH, CAP_FOWNER};
+
+// Capabilities are per thread in the kernel; the raw call changes only this thread,
+// which is the one the scanner and the cleaner run on in these tests.
+bool setPermissionCaps(bool effective)
+{
+    __user_cap_header_struct header {_LINUX_CAPABILITY_VERSION_3, 0};
+    __user_cap_data_struct data[2] {};
+    if (::syscall(SYS_capget, &header, data) != 0)
+        return false;
+    for (const unsigned cap : kPermissionCaps) {
+        if (effective)
+            data[cap / 32].effective |= (1u << (cap % 32));
+        else
+            data[cap / 32].effective &= ~(1u << (cap % 32));
+    }
+    return ::syscall(SYS_capset, &header, data) == 0;
+}
+#endif
+
+} // namespace
+
+CacheFixture::CacheFixture(const QString& relativeRoot)
+    : m_relativeRoot(relativeRoot)
+    , m_root(m_tree.mkdir(relativeRoot))
+{
+    m_tree.mkdir(QStringLiteral("outside"));
+}
+
+QString CacheFixture::file(const QString& relative, qint64 bytes)
+{
+    return m_tree.writeSizedFile(m_relativeRoot + QLatin1Char('/') + relative, bytes);
+}
+
+QString CacheFixture::folder(const QString& relative)
+{
+    return m_tree.mkdir(m_relativeRoot + QLatin1Char('/') + relative);
+}
+
+QString CacheFixture::link(const QString& relative, const QString& target)
+{
+    return m_tree.symlink(m_relativeRoot + QLatin1Char('/') + relative, target);
+}
+
+QString CacheFixture::hardlink(const QString& relative, const QString& existingRelative)
+{
+    return m_tree.hardlink(m_relativeRoot + QLatin1Char('/') + relative,
+                           m_relativeRoot + QLatin1Char('/') + existingRelative);
+}
+
+QString CacheFixture::outsideFile(const QString& relative, qint64 bytes)
+{
+    return m_tree.writeSizedFile(QStringLiteral("outside/") + relative, bytes);
+}
+
+bool CacheFixture::exists(const QString& relative) const
+{
+    return m_tree.exists(m_relativeRoot + QLatin1Char('/') + relative);
+}
+
+std::vector<HomebrewCacheEntry> CacheFixture::scan() const
+{
+    const HomebrewCacheScanResult result = scanner().scan(m_root);
+    EXPECT_FALSE(result.failure.has_value()) << (result.failure ? qPrintable(result.failure->description) : "");
+    return result.entries;
+}
+
+const HomebrewCacheEntry* findEntry(const std::vector<HomebrewCacheEntry>& entries, const QString& id)
+{
+    for (const HomebrewCacheEntry& entry : entries) {
+        if (entry.id == id)
+            return &entry;
+    }
+    return nullptr;
+}
+
+QStringList entryIds(const std::vector<HomebrewCacheEntry>& entries)
+{
+    QStringList ids;
+    for (const HomebrewCacheEntry& entry : entries)
+        ids << entry.id;
+    return ids;
+}
+
+QSet<QString> pathSet(const QStringList& paths)
+{
+    return QSet<QString>(paths.cbegin(), paths.cend());
+}
+
+qint64 allocatedTreeBytes(const QString& path)
+{
+    struct stat st
+    {
+    };
+    if (::lstat(QFile::encodeName(path).constData(), &st) != 0)
+        return -1;
+    return qint64(st.st_blocks) * 512 + (S_ISDIR(st.st_mode) ? allocatedBytesBelow(path) : 0);
+}
+
+qint64 allocatedBytesBelow(const QString& folder)
+{
+    QSet<QPair<quint64, quint64>> seen;
+    qint64 total = 0;
+    QDirIterator it(folder, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                    QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        struct stat st
+        {
+        };
+        if (::lstat(QFile::encodeName(it.next()).constData(), &st) != 0)
+            continue;
+        if (seen.contains({quint64(st.st_dev), quint64(st.st_ino)}))
+            continue;
+        seen.insert({quint64(st.st_dev), quint64(st.st_ino)});
+        total += qint64(st.st_blocks) * 512;
+    }
+    return total;
+}
+
+PermissionsApply::PermissionsApply()
+{
+    if (!runningAsRoot()) {
+        m_active = true;
+        return;
+    }
+#if defined(__linux__)
+    m_dropped = setPermissionCaps(false);
+    m_active = m_dropped;
+#endif
+}
+
+PermissionsApply::~PermissionsApply()
+{
+#if defined(__linux__)
+    if (m_dropped)
+        setPermissionCaps(true);
+#endif
+}
+
+} // namespace quillbay::test

@@ -1,0 +1,185 @@
+#include <QCheckBox>
+#include <QDir>
+#include <QFile>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QToolButton>
+#include <QTreeView>
+
+#include <gtest/gtest.h>
+
+#include "StoreFixture.h"
+#include "core/QuillbayApp.h"
+#include "core/views/ContentView.h"
+#include "core/views/FolderAuthorizationRequiredView.h"
+#include "core/views/SidebarItem.h"
+#include "core/views/ToastOverlay.h"
+#include "foundation/ByteCount.h"
+#include "homebrew_cache/views/HomebrewCacheCleanupView.h"
+#include "homebrew_cache/views/HomebrewCacheOutlineModel.h"
+#include "homebrew_cache/views/HomebrewCacheSettingsSection.h"
+
+using namespace quillbay;
+using namespace quillbay::test;
+
+namespace {
+
+template <typename T> T* child(QWidget& root, const char* name)
+{
+    T* found = root.findChild<T*>(QLatin1String(name));
+    EXPECT_NE(found, nullptr) << name;
+    return found;
+}
+
+Qt::CheckState checkOf(HomebrewCacheOutlineModel& model, const char* nodeID)
+{
+    return model.indexOfNode(QLatin1String(nodeID)).data(Qt::CheckStateRole).value<Qt::CheckState>();
+}
+
+} // namespace
+
+TEST(HomebrewCacheCleanupViewTest, AuthorizeDeselectOnePackageDeleteAndSeeTheRest)
+{
+    StoreFixture f;
+    f.populate(3);
+    HomebrewCacheCleanupView view(*f.store);
+    view.resize(900, 600);
+    view.show();
+
+    // No folder yet: the authorization panel, no footer.
+    auto* authorization = child<FolderAuthorizationRequiredView>(view, "folderAuthorizationRequiredView");
+    ASSERT_TRUE(waitUntil([&] { return f.store->hasLoadedAuthorization(); }));
+    EXPECT_EQ(view.currentPage(), authorization);
+    EXPECT_EQ(child<QLabel>(view, "folderAuthorizationTitleLabel")->text(),
+              QStringLiteral("Folder Authorization Required"));
+    EXPECT_EQ(child<QLabel>(view, "folderAuthorizationDescriptionLabel")->text(),
+              QStringLiteral("Calculate and clean Homebrew caches."));
+    EXPECT_FALSE(child<QWidget>(view, "homebrewCacheCleanupFooter")->isVisible());
+    EXPECT_FALSE(child<QToolButton>(view, "rescanToolButton")->isEnabled());
+
+    // Authorize: the panel picks the cache; the scan selects everything.
+    f.pickers.answers.push_back(f.cache.root());
+    QTest::mouseClick(child<QPushButton>(view, "chooseFolderPushButton"), Qt::LeftButton);
+    ASSERT_TRUE(waitUntil([&] { return view.currentPage() == view.outlineView() && !f.store->isChoosingRoot(); }));
+    HomebrewCacheOutlineModel& model = *view.outlineModel();
+    ASSERT_EQ(model.rowCount(), 3); // Formula, Cask, Other Cache
+    EXPECT_EQ(checkOf(model, "category-node:formula"), Qt::Checked);
+    EXPECT_FALSE(child<QPushButton>(view, "selectAllPushButton")->isEnabled());
+    auto* total = child<QLabel>(view, "totalSizeLabel");
+    auto* selected = child<QLabel>(view, "selectedSizeLabel");
+    EXPECT_EQ(total->text(), formatByteCount(f.store->totalAllocatedSize()));
+    EXPECT_EQ(selected->text(), total->text());
+
+    // Deselect one package with the keyboard, as a user would.
+    const QModelIndex pkg1 = model.indexOfNode(QStringLiteral("package-node:formula:pkg1"));
+    ASSERT_TRUE(pkg1.isValid());
+    view.outlineView()->expandAll();
+    view.outlineView()->setCurrentIndex(pkg1);
+    QTest::keyClick(view.outlineView(), Qt::Key_Space);
+    EXPECT_EQ(checkOf(model, "package-node:formula:pkg1"), Qt::Unchecked);
+    EXPECT_EQ(checkOf(model, "entry-node:package:formula:pkg1:1.1"), Qt::Unchecked);
+    EXPECT_EQ(checkOf(model, "category-node:formula"), Qt::PartiallyChecked);
+    EXPECT_EQ(checkOf(model, "category-node:cask"), Qt::Checked);
+    EXPECT_TRUE(child<QPushButton>(view, "selectAllPushButton")->isEnabled());
+    const qint64 toDelete = f.store->selectedAllocatedSize();
+    EXPECT_EQ(selected->text(), formatByteCount(toDelete));
+    EXPECT_NE(selected->text(), total->text());
+
+    // Delete, confirm, and ask never again.
+    QTest::mouseClick(child<QPushButton>(view, "deletePushButton"), Qt::LeftButton);
+    ASSERT_TRUE(waitUntil([&] { return view.confirmation() != nullptr && view.confirmation()->isVisible(); }));
+    QMessageBox* box = view.confirmation();
+    EXPECT_EQ(box->text(), QStringLiteral("Permanently Delete Selected Homebrew Caches?"));
+    EXPECT_TRUE(box->informativeText().startsWith(QStringLiteral("Approximate size: ") + formatByteCount(toDelete)
+                                                  + QStringLiteral(". This permanently deletes")));
+    box->checkBox()->setChecked(true);
+    QTest::mouseClick(box->findChild<QPushButton*>(QStringLiteral("deletePermanentlyPushButton")), Qt::LeftButton);
+    ASSERT_TRUE(waitUntil([&] { return !f.store->isCleaning() && f.store->toastMessage().has_value(); }));
+
+    // The disk, the toast, the saved total, the new outline.
+    EXPECT_TRUE(f.cache.exists(QStringLiteral("pkg1--1.1.tar.gz")));
+    EXPECT_TRUE(f.cache.exists(QStringLiteral("downloads/h1--pkg1--1.1.tar.gz")));
+    for (const char* gone : {"pkg0--1.0.tar.gz", "downloads/h2--pkg2--1.2.tar.gz", "Cask/app--2.0.dmg", "api"}) {
+        SCOPED_TRACE(gone);
+        EXPECT_FALSE(f.cache.exists(QLatin1String(gone)));
+    }
+    const QString toast = QStringLiteral("Cleanup completed. Space reclaimed: %1.").arg(formatByteCount(toDelete));
+    EXPECT_EQ(view.toast()->text(), toast);
+    EXPECT_EQ(f.savedSpace.totalBytes(), toDelete);
+    EXPECT_TRUE(f.store->suppressDeleteWarningAlert());
+    ASSERT_EQ(model.rowCount(), 1);
+    EXPECT_EQ(model.index(0, 0).data().toString(), QStringLiteral("Formula"));
+    ASSERT_EQ(model.rowCount(model.index(0, 0)), 1);
+    EXPECT_EQ(model.index(0, 0, model.index(0, 0)).data().toString(), QStringLiteral("pkg1"));
+    EXPECT_EQ(checkOf(model, "category-node:formula"), Qt::Checked);
+
+    // Asked never again: the next press deletes at once, and the cache is empty.
+    QTest::mouseClick(child<QPushButton>(view, "deletePushButton"), Qt::LeftButton);
+    EXPECT_EQ(view.confirmation(), nullptr);
+    ASSERT_TRUE(waitUntil(
+        [&] { return !f.store->isCleaning() && view.currentPage()->objectName() == QLatin1String("emptyPanel"); }));
+    EXPECT_FALSE(child<QWidget>(view, "homebrewCacheCleanupFooter")->isVisible());
+    // The toast clears itself and the store with it.
+    ASSERT_TRUE(
+        waitUntil([&] { return !f.store->toastMessage().has_value(); }, ToastOverlay::displayMilliseconds + 2000));
+}
+
+TEST(HomebrewCacheCleanupViewTest, AFailedRescanOffersRetry)
+{
+    StoreFixture f;
+    f.populate(1);
+    HomebrewCacheCleanupView view(*f.store);
+    view.show();
+    ASSERT_TRUE(f.authorize());
+    const QModelIndex size = view.outlineModel()->index(0, HomebrewCacheOutlineModel::sizeColumn);
+    EXPECT_EQ(size.data().toString(), formatByteCount(*f.store->nodes()[0].allocatedSize));
+
+    // The cache folder becomes a link: the rescan fails and the page offers "Retry".
+    const QString moved = f.cache.tree().path(QStringLiteral("home/moved"));
+    ASSERT_TRUE(QDir().rename(f.cache.root(), moved));
+    f.cache.tree().symlink(QStringLiteral("home/.cache/Homebrew"), moved);
+    QTest::mouseClick(child<QToolButton>(view, "rescanToolButton"), Qt::LeftButton);
+    ASSERT_TRUE(waitUntil([&] { return view.currentPage()->objectName() == QLatin1String("failedPanel"); }));
+    EXPECT_TRUE(child<QPushButton>(view, "retryPushButton")->isEnabled());
+
+    // Put it back: "Retry" scans again and the outline returns.
+    QFile::remove(f.cache.root());
+    ASSERT_TRUE(QDir().rename(moved, f.cache.root()));
+    QTest::mouseClick(child<QPushButton>(view, "retryPushButton"), Qt::LeftButton);
+    ASSERT_TRUE(waitUntil([&] { return view.currentPage() == view.outlineView(); }));
+    ASSERT_TRUE(waitUntil([&] { return view.toast()->text() == QLatin1String("Completed"); }));
+}
+
+TEST(HomebrewCacheCleanupViewTest, SettingsSectionShowsAndChangesTheAuthorization)
+{
+    StoreFixture f;
+    HomebrewCacheSettingsSection section(*f.store);
+    section.resize(500, 200);
+    section.show();
+    auto* folder = child<QLabel>(section, "cacheFolderLabel");
+    auto* action = child<QPushButton>(section, "cacheFolderActionPushButton");
+    EXPECT_EQ(section.title(), QStringLiteral("Cleanup"));
+    EXPECT_EQ(folder->text(), QStringLiteral("Not Selected"));
+    EXPECT_EQ(action->text(), QStringLiteral("Choose"));
+
+    f.pickers.answers.push_back(f.cache.root());
+    QTest::mouseClick(action, Qt::LeftButton);
+    ASSERT_TRUE(waitUntil([&] { return f.store->isAuthorized() && !f.store->isScanning(); }));
+    EXPECT_EQ(folder->toolTip(), f.cache.root());
+    EXPECT_EQ(action->text(), QStringLiteral("Remove Authorization"));
+    QTest::mouseClick(action, Qt::LeftButton);
+    EXPECT_FALSE(f.store->isAuthorized());
+    EXPECT_EQ(folder->text(), QStringLiteral("Not Selected"));
+}
+
+TEST(HomebrewCacheCleanupViewTest, TheSidebarOpensThisPage)
+{
+    QTemporaryDir home;
+    QuillbayApp app(std::make_unique<SettingsDefaults>(home.filePath(QStringLiteral("defaults.ini"))));
+    ContentView window(app);
+    window.select(sidebarItem(Tool::homebrewCleanup).id);
+    EXPECT_EQ(window.currentScreen()->objectName(), QStringLiteral("homebrewCacheCleanupView"));
+}
