@@ -21,7 +21,7 @@ AppShell::AppShell(QuillbayApp& app, QObject* parent)
     , m_openWindow(new QAction(QStringLiteral("Open Window"), this))
     , m_quit(new QAction(QStringLiteral("Quit"), this))
     , m_leaveTip(new QAction(QStringLiteral("Leave a Tip"), this))
-    , m_helpAndSupport(new QAction(QStringLiteral("Help & Support"), this))
+    , m_helpAndSupport(new QAction(QStringLiteral("Help && Support"), this))
 {
     // The process outlives its window, as a document-less desktop tool does.
     QApplication::setQuitOnLastWindowClosed(false);

@@ -49,7 +49,7 @@ const QHash<QString, QStringList>& symbolTable()
          {QStringLiteral("view-list-text"), QStringLiteral("view-list-details")}},
         {QStringLiteral("power"), {QStringLiteral("system-shutdown"), QStringLiteral("application-exit")}},
         {QStringLiteral("heart.circle.fill"), {QStringLiteral("love"), QStringLiteral("emblem-favorite")}},
-        {QStringLiteral("leaf.fill"), {QStringLiteral("games-config-options"), QStringLiteral("documentinfo")}},
+        {QStringLiteral("leaf.fill"), {QStringLiteral("run-clean"), QStringLiteral("flag-green")}},
     };
     return table;
 }

@@ -21,6 +21,9 @@ MainSidebarFooter::MainSidebarFooter(VersionManager& versionManager,
     , m_actions(std::move(actions))
 {
     setObjectName(QStringLiteral("mainSidebarFooter"));
+    // Part of the sidebar: the same background as the tool list above it.
+    setBackgroundRole(QPalette::Base);
+    setAutoFillBackground(true);
     const auto icon = [&icons](const char* symbol) { return icons ? icons(QLatin1String(symbol)) : QIcon(); };
     const auto call = [](const std::function<void()>& f) {
         if (f)
@@ -61,7 +64,7 @@ MainSidebarFooter::MainSidebarFooter(VersionManager& versionManager,
     };
     m_moreMenu->addAction(icon("hand.thumbsup"), QStringLiteral("Rate Me"), this,
                           [this, open] { open(writeReviewURL(m_actions.reviewPage)); });
-    m_moreMenu->addAction(icon("envelope"), QStringLiteral("Help & Support"), this,
+    m_moreMenu->addAction(icon("envelope"), QStringLiteral("Help && Support"), this,
                           [this, call] { call(m_actions.sendFeedbackMail); });
     m_moreMenu->addAction(icon("list.bullet.rectangle.portrait"), QStringLiteral("Privacy Policy"), this,
                           [this, open] { open(m_actions.privacyPolicy); });
