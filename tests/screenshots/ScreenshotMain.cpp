@@ -43,6 +43,7 @@ int main(int argc, char** argv)
         {"shell", quillbay::screenshots::renderShellScreenshots},
         {"xcode releases", quillbay::screenshots::renderXcodeReleasesScreenshots},
         {"homebrew-cache", quillbay::screenshots::renderHomebrewCacheScreenshots},
+        {"engagement", quillbay::screenshots::renderEngagementScreenshots},
     };
     for (const auto& [name, render] : renderers) {
         std::printf("== %s\n", name);

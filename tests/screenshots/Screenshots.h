@@ -12,5 +12,6 @@ void save(QWidget* widget, const QString& outDir, const QString& name);
 void renderShellScreenshots(const QString& outDir);
 void renderXcodeReleasesScreenshots(const QString& outDir);
 void renderHomebrewCacheScreenshots(const QString& outDir);
+void renderEngagementScreenshots(const QString& outDir);
 
 } // namespace quillbay::screenshots

@@ -8,6 +8,9 @@
 
 #include "core/QuillbayApp.h"
 #include "core/views/ContentView.h"
+#include "engagement/EngagementPromptStore.h"
+#include "foundation/BuildConfig.h"
+#include "platform/Workspace.h"
 
 namespace quillbay {
 
@@ -18,7 +21,7 @@ AppShell::AppShell(QuillbayApp& app, QObject* parent)
     , m_openWindow(new QAction(QStringLiteral("Open Window"), this))
     , m_quit(new QAction(QStringLiteral("Quit"), this))
     , m_leaveTip(new QAction(QStringLiteral("Leave a Tip"), this))
-    , m_helpAndSupport(new QAction(QStringLiteral("Help & Support"), this))
+    , m_helpAndSupport(new QAction(QStringLiteral("Help && Support"), this))
 {
     // The process outlives its window, as a document-less desktop tool does.
     QApplication::setQuitOnLastWindowClosed(false);
@@ -34,6 +37,13 @@ AppShell::AppShell(QuillbayApp& app, QObject* parent)
     connect(m_leaveTip, &QAction::triggered, this, &AppShell::leaveTipRequested);
     connect(m_helpAndSupport, &QAction::triggered, this, &AppShell::helpAndSupportRequested);
     connect(m_window, &ContentView::firstShown, &m_app, &QuillbayApp::windowDidAppear);
+    // "Leave a Tip" opens the tip sheet over the window; "Help & Support" the support page.
+    connect(this, &AppShell::leaveTipRequested, this, [this] {
+        openWindow();
+        m_app.engagementPromptStore().setPresentingPurchaseView(true);
+    });
+    connect(this, &AppShell::helpAndSupportRequested, this,
+            [this] { m_app.workspace().openUrl(QUrl(QStringLiteral(QUILLBAY_SUPPORT_URL))); });
     buildMenus();
     buildTrayIcon();
 }

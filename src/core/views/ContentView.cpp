@@ -4,13 +4,16 @@
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QTreeWidget>
+#include <QVBoxLayout>
 
 #include "core/AppViewModel.h"
 #include "core/QuillbayApp.h"
+#include "core/views/EngagementSurfaces.h"
 #include "core/views/SidebarItem.h"
 #include "core/views/SymbolIcons.h"
 #include "core/views/ToastOverlay.h"
 #include "core/views/ToolScreens.h"
+#include "engagement/views/MainSidebarFooter.h"
 
 namespace quillbay {
 
@@ -27,6 +30,7 @@ ContentView::ContentView(QuillbayApp& app, QWidget* parent)
     , m_sidebar(new QTreeWidget)
     , m_detail(new QStackedWidget)
     , m_toast(nullptr)
+    , m_engagement(nullptr)
 {
     setObjectName(QStringLiteral("MainWindow"));
     setWindowTitle(QStringLiteral("Quillbay"));
@@ -37,7 +41,16 @@ ContentView::ContentView(QuillbayApp& app, QWidget* parent)
     splitter->setObjectName(QStringLiteral("mainSplitter"));
     splitter->setChildrenCollapsible(false);
     buildSidebar();
-    splitter->addWidget(m_sidebar);
+    // The sidebar column: the tool list with the footer of Settings, Update, tips and More.
+    m_engagement = new EngagementSurfaces(m_app, this);
+    auto* sidebarColumn = new QWidget;
+    sidebarColumn->setObjectName(QStringLiteral("sidebarColumnWidget"));
+    auto* sidebarLayout = new QVBoxLayout(sidebarColumn);
+    sidebarLayout->setContentsMargins(0, 0, 0, 0);
+    sidebarLayout->setSpacing(0);
+    sidebarLayout->addWidget(m_sidebar, 1);
+    sidebarLayout->addWidget(m_engagement->footer());
+    splitter->addWidget(sidebarColumn);
     m_detail->setObjectName(QStringLiteral("detailStackedWidget"));
     splitter->addWidget(m_detail);
     splitter->setStretchFactor(1, 1);

@@ -10,6 +10,7 @@ class QTreeWidgetItem;
 
 namespace quillbay {
 
+class EngagementSurfaces;
 class QuillbayApp;
 class ToastOverlay;
 
@@ -27,6 +28,7 @@ public:
     void select(const QUuid& id);
     QWidget* currentScreen() const;
     ToastOverlay* toast() const { return m_toast; }
+    EngagementSurfaces* engagement() const { return m_engagement; }
 
 signals:
     void firstShown();
@@ -42,6 +44,7 @@ private:
     QTreeWidget* m_sidebar;
     QStackedWidget* m_detail;
     ToastOverlay* m_toast;
+    EngagementSurfaces* m_engagement; // the sidebar footer, the tip sheet, the forced-update alert
     QHash<QUuid, QWidget*> m_screens;
     QHash<QUuid, QTreeWidgetItem*> m_rows;
     QUuid m_selection;

@@ -56,6 +56,17 @@ const QHash<QString, QStringList>& symbolTable()
         {QStringLiteral("externaldrive.badge.questionmark"),
          {QStringLiteral("drive-harddisk"), QStringLiteral("dialog-question")}},
         {QStringLiteral("checkmark.circle"), {QStringLiteral("emblem-success"), QStringLiteral("dialog-ok")}},
+        // Sidebar footer and tip window.
+        {QStringLiteral("arrow.down.circle.fill"),
+         {QStringLiteral("update-low"), QStringLiteral("system-software-update")}},
+        {QStringLiteral("dollarsign.circle"), {QStringLiteral("help-donate-usd"), QStringLiteral("help-donate")}},
+        {QStringLiteral("hand.thumbsup"), {QStringLiteral("rating"), QStringLiteral("love")}},
+        {QStringLiteral("envelope"), {QStringLiteral("mail-message"), QStringLiteral("mail-send")}},
+        {QStringLiteral("list.bullet.rectangle.portrait"),
+         {QStringLiteral("view-list-text"), QStringLiteral("view-list-details")}},
+        {QStringLiteral("power"), {QStringLiteral("system-shutdown"), QStringLiteral("application-exit")}},
+        {QStringLiteral("heart.circle.fill"), {QStringLiteral("love"), QStringLiteral("emblem-favorite")}},
+        {QStringLiteral("leaf.fill"), {QStringLiteral("run-clean"), QStringLiteral("flag-green")}},
     };
     return table;
 }

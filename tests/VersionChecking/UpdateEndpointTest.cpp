@@ -1,0 +1,159 @@
+#include <QUrlQuery>
+
+#include <gtest/gtest.h>
+
+#include "VersionChecking/VersionCheckSigning.h"
+#include "update/UpdateEndpoint.h"
+
+using namespace quillbay;
+using namespace quillbay::services;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qint64 kNow = 1'750'000'000;
+
+UpdateEndpointConfig config()
+{
+    UpdateEndpointConfig c;
+    c.signatureSecret = u"endpoint-secret"_s;
+    c.appID = u"6443543821"_s;
+    c.latestVersion = u"2.3.0"_s;
+    c.updateURL = u"https://apps.apple.com/app/id6443543821"_s;
+    c.versionsThatMustUpdate = {u"1.0.0"_s, u"1.0.1"_s};
+    c.clock = [] { return kNow; };
+    return c;
+}
+
+struct Request
+{
+    QString appID = u"6443543821"_s;
+    QString version = u"2.0.0"_s;
+    qint64 timestamp = kNow;
+    QString signedVersion = {}; // what the signature covers; the sent version when empty
+    QString secret = u"endpoint-secret"_s;
+    QString path = u"/api/app-version/check"_s;
+};
+
+UpdateEndpointReply send(const Request& r, const UpdateEndpointConfig& c = config())
+{
+    QUrlQuery query;
+    query.addQueryItem(u"app_id"_s, r.appID);
+    query.addQueryItem(u"platform"_s, u"macos"_s);
+    query.addQueryItem(u"channel"_s, u"prod"_s);
+    query.addQueryItem(u"current_version"_s, r.version);
+    const QString timestamp = QString::number(r.timestamp);
+    const QByteArray signature
+        = VersionCheckSigning::signature(r.secret,
+                                         {u"GET"_s, u"/api/app-version/check"_s, r.appID, u"macos"_s, u"prod"_s,
+                                          r.signedVersion.isEmpty() ? r.version : r.signedVersion, timestamp});
+    return answerUpdateCheck(c, r.path, query, timestamp.toLatin1(), signature);
+}
+
+} // namespace
+
+TEST(UpdateEndpointTest, AnswersFromItsConfigurationOnlyToSignedFreshRequests)
+{
+    struct Case
+    {
+        const char* name;
+        Request request;
+        int status;
+        QByteArray body;
+    };
+    const Case cases[] = {
+        {"older version",
+         {},
+         200,
+         R"({"update_url":"https://apps.apple.com/app/id6443543821","force_update":false,"update_available":true})"},
+        {"latest version",
+         {.version = u"2.3"_s},
+         200,
+         R"({"update_url":"https://apps.apple.com/app/id6443543821","force_update":false,"update_available":false})"},
+        {"newer than latest",
+         {.version = u"2.10.0"_s},
+         200,
+         R"({"update_url":"https://apps.apple.com/app/id6443543821","force_update":false,"update_available":false})"},
+        {"must update, sent with a blank",
+         {.version = u"1.0.1 "_s},
+         200,
+         R"({"update_url":"https://apps.apple.com/app/id6443543821","force_update":true,"update_available":true})"},
+        {"app id in other case and blanks",
+         {.appID = u" 6443543821 "_s},
+         200,
+         R"({"update_url":"https://apps.apple.com/app/id6443543821","force_update":false,"update_available":true})"},
+        {"timestamp at the edge of the window",
+         {.timestamp = kNow - 300},
+         200,
+         R"({"update_url":"https://apps.apple.com/app/id6443543821","force_update":false,"update_available":true})"},
+        {"timestamp just past the window", {.timestamp = kNow - 301}, 401, "stale timestamp"},
+        {"timestamp from the future", {.timestamp = kNow + 301}, 401, "stale timestamp"},
+        {"wrong secret", {.secret = u"other-secret"_s}, 401, "invalid signature"},
+        {"signature over another version",
+         {.version = u"1.0.0"_s, .signedVersion = u"2.3.0"_s},
+         401,
+         "invalid signature"},
+        {"signed for another path", {.path = u"/v2/api/app-version/check"_s}, 401, "invalid signature"},
+        {"unknown app", {.appID = u"999"_s}, 404, "unknown app"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const UpdateEndpointReply reply = send(c.request);
+        EXPECT_EQ(reply.status, c.status);
+        EXPECT_EQ(reply.body, c.body);
+    }
+}
+
+TEST(UpdateEndpointTest, RejectsMalformedHeadersAndMissingItems)
+{
+    QUrlQuery full;
+    for (const char* key : {"app_id", "platform", "channel", "current_version"})
+        full.addQueryItem(QLatin1String(key), u"x"_s);
+    const QByteArray goodSignature = VersionCheckSigning::signature(
+        u"endpoint-secret"_s, {u"GET"_s, u"/api/app-version/check"_s, u"x"_s, u"x"_s, u"x"_s, u"x"_s, u"1750000000"_s});
+    struct Case
+    {
+        const char* name;
+        QUrlQuery query;
+        QByteArray timestamp;
+        QByteArray signature;
+        int status;
+    };
+    QUrlQuery missing = full;
+    missing.removeAllQueryItems(u"channel"_s);
+    const Case cases[] = {
+        {"well formed, unknown app", full, "1750000000", goodSignature, 404},
+        {"uppercase hex is the same signature", full, "1750000000", goodSignature.toUpper(), 404},
+        {"missing query item", missing, "1750000000", goodSignature, 400},
+        {"no timestamp", full, "", goodSignature, 401},
+        {"signed timestamp", full, "-1750000000", goodSignature, 401},
+        {"fractional timestamp", full, "1750000000.5", goodSignature, 401},
+        {"huge timestamp", full, "99999999999999999999999", goodSignature, 401},
+        {"short signature", full, "1750000000", goodSignature.left(63), 401},
+        {"long signature", full, "1750000000", goodSignature + "0", 401},
+        {"no signature", full, "1750000000", "", 401},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(answerUpdateCheck(config(), u"/api/app-version/check"_s, c.query, c.timestamp, c.signature).status,
+                  c.status);
+    }
+}
+
+TEST(UpdateEndpointTest, ComparesVersionsByNumber)
+{
+    struct Case
+    {
+        QString version, than;
+        bool older;
+    };
+    const Case cases[] = {
+        {u"1.9"_s, u"1.10"_s, true},   {u"1.10"_s, u"1.9"_s, false},    {u"1.2"_s, u"1.2.0"_s, false},
+        {u"1.2.0"_s, u"1.2"_s, false}, {u"1.2"_s, u"1.2.1"_s, true},    {u"2"_s, u"10"_s, true},
+        {u"beta"_s, u"2.0"_s, false},  {u"1.0"_s, u"nightly"_s, false}, {u""_s, u"1.0"_s, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE((c.version + u" < "_s + c.than).toStdString());
+        EXPECT_EQ(isOlderVersion(c.version, c.than), c.older);
+    }
+}

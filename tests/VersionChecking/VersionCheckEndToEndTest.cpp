@@ -1,0 +1,126 @@
+#include <QHostAddress>
+#include <QHttpServer>
+#include <QNetworkAccessManager>
+#include <QSignalSpy>
+
+#include <gtest/gtest.h>
+
+#include "LogCapture.h"
+#include "VersionChecking/VersionManager.h"
+#include "update/UpdateEndpoint.h"
+
+using namespace quillbay;
+using namespace quillbay::services;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// The service and the program, each with its own copy of the agreed values, over loopback.
+struct Deployment
+{
+    QHttpServer server;
+    quint16 port = 0;
+    QNetworkAccessManager network;
+
+    explicit Deployment(qint64 serverClockOffset = 0)
+    {
+        UpdateEndpointConfig config;
+        config.signatureSecret = u"shared-update-secret-of-sixty-four-bytes-0123456789abcdef012345"_s;
+        config.appID = u"6443543821"_s;
+        config.latestVersion = u"3.0.0"_s;
+        config.updateURL = u"https://quillbay.example/download"_s;
+        config.versionsThatMustUpdate = {u"2.0.0"_s};
+        config.clock = [serverClockOffset] { return QDateTime::currentSecsSinceEpoch() + serverClockOffset; };
+        registerUpdateEndpoint(server, config);
+        port = server.listen(QHostAddress::LocalHost, 0);
+    }
+
+    std::unique_ptr<VersionManager>
+    manager(const QString& version, const QString& secret, const QString& basePath = {}, QList<QUrl>* opened = nullptr)
+    {
+        const auto configuration = VersionCheckConfiguration::make(u"http://127.0.0.1:%1%2"_s.arg(port).arg(basePath),
+                                                                   secret.toUtf8(), u" 6443543821 "_s);
+        EXPECT_TRUE(configuration.has_value());
+        return std::make_unique<VersionManager>(VersionCheckClient(*configuration, network), version,
+                                                [opened](const QUrl& url) {
+                                                    if (opened)
+                                                        *opened << url;
+                                                });
+    }
+};
+
+const QString kSecret = u"shared-update-secret-of-sixty-four-bytes-0123456789abcdef012345"_s;
+
+bool check(VersionManager& manager)
+{
+    QSignalSpy finished(&manager, &VersionManager::checkFinished);
+    manager.startCheck();
+    return finished.wait(10000);
+}
+
+} // namespace
+
+TEST(VersionCheckEndToEndTest, TheServiceAnswersWhatItsConfigurationSays)
+{
+    Deployment deployment;
+    ASSERT_NE(deployment.port, 0);
+    struct Case
+    {
+        QString version;
+        bool updateAvailable;
+        bool forceUpdate;
+    };
+    const Case cases[] = {
+        {u"2.5.1"_s, true, false},
+        {u"3.0"_s, false, false},
+        {u"2.0.0 "_s, true, true}, // travels with its blank, signs and matches without
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.version.toStdString());
+        QList<QUrl> opened;
+        auto manager = deployment.manager(c.version, kSecret, {}, &opened);
+        ASSERT_TRUE(check(*manager));
+        ASSERT_FALSE(manager->lastError().has_value()) << failureDescription(*manager->lastError()).toStdString();
+        ASSERT_TRUE(manager->updateInfo().has_value());
+        EXPECT_EQ(manager->updateInfo()->updateAvailable, c.updateAvailable);
+        EXPECT_EQ(manager->updateInfo()->forceUpdate, c.forceUpdate);
+        EXPECT_EQ(manager->isForceUpdateRequired(), c.forceUpdate);
+        manager->openUpdateURL();
+        EXPECT_EQ(opened, QList<QUrl> {QUrl(u"https://quillbay.example/download"_s)});
+    }
+}
+
+TEST(VersionCheckEndToEndTest, RefusalsReachTheManagerAsStatusErrors)
+{
+    struct Case
+    {
+        const char* name;
+        qint64 serverClockOffset;
+        QString secret;
+        QString basePath;
+        QString expected;
+    };
+    const Case cases[] = {
+        {"other secret",
+         0,
+         u"not-the-shared-secret"_s,
+         {},
+         u"Version check failed with status 401: invalid signature"_s},
+        {"clocks ten minutes apart", 600, kSecret, {}, u"Version check failed with status 401: stale timestamp"_s},
+        // The service has no such path; the router's own refusal comes back as it is.
+        {"service under a path it does not serve", 0, kSecret, u"/service/"_s,
+         u"Version check failed with status 404"_s},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Deployment deployment(c.serverClockOffset);
+        test::LogCapture log(u".VersionChecking"_s);
+        auto manager = deployment.manager(u"2.5.1"_s, c.secret, c.basePath);
+        ASSERT_TRUE(check(*manager));
+        ASSERT_TRUE(manager->lastError().has_value());
+        EXPECT_TRUE(failureDescription(*manager->lastError()).startsWith(c.expected))
+            << failureDescription(*manager->lastError()).toStdString();
+        EXPECT_FALSE(manager->updateInfo().has_value());
+        EXPECT_EQ(log.criticalMessages().size(), 1);
+    }
+}

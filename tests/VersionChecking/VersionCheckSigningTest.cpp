@@ -1,0 +1,113 @@
+#include <QNetworkAccessManager>
+#include <QUrlQuery>
+
+#include <gtest/gtest.h>
+
+#include "VersionChecking/VersionCheckClient.h"
+#include "VersionChecking/VersionCheckSigning.h"
+
+using namespace quillbay;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// 64 bytes, the length the service agrees on.
+const QString kSecret = u"0123456789abcdef0123456789abcdef0123456789abcdef0123456789abcdef"_s;
+
+} // namespace
+
+TEST(VersionCheckSigningTest, NormalizesTheJoinedPath)
+{
+    struct Case
+    {
+        QString base, path, expected;
+    };
+    const Case cases[] = {
+        {u"/service/"_s, u"/api/app-version/check"_s, u"/service/api/app-version/check"_s},
+        {u""_s, u"/api/app-version/check"_s, u"/api/app-version/check"_s},
+        {u"/"_s, u"api/app-version/check/"_s, u"/api/app-version/check"_s},
+        {u"///a///"_s, u"///b"_s, u"/a/b"_s},
+        {u""_s, u""_s, u"/"_s},
+        {u"////"_s, u"//"_s, u"/"_s},
+        // Only the ends are trimmed; what lies inside is the caller's.
+        {u"/x//y/"_s, u"z"_s, u"/x//y/z"_s},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE((c.base + u" + "_s + c.path).toStdString());
+        EXPECT_EQ(VersionCheckSigning::normalizedPath(c.base, c.path), c.expected);
+    }
+}
+
+// The expected values were computed outside this program with
+//   printf '<the seven lines>' | openssl dgst -sha256 -hmac '<key>'
+// and, for the empty key that the openssl tool refuses, with Python's
+//   hmac.new(b'', b'GET\n/\n\n\n\n\n5', hashlib.sha256).hexdigest()
+TEST(VersionCheckSigningTest, MatchesIndependentlyComputedSignatures)
+{
+    struct Case
+    {
+        QString secret;
+        VersionCheckSigning::SignedFields fields;
+        QString expectedText;
+        QByteArray expectedSignature;
+    };
+    const Case cases[] = {
+        {kSecret,
+         {u"GET"_s, u"/service/api/app-version/check"_s, u" ABC "_s, u"macOS"_s, u"Prod\n"_s, u"1.2.3 "_s,
+          u"1700000000"_s},
+         u"GET\n/service/api/app-version/check\nabc\nmacos\nprod\n1.2.3\n1700000000"_s,
+         "cb23fc48408574e3fe8cd10b5e05e4602ebbfa3ab15449345f4c89bdee8cb5ab"},
+        {kSecret,
+         {u"GET"_s, u"/api/app-version/check"_s, u"123456789"_s, u"macos"_s, u"prod"_s, u"2.0"_s, u"1712345678"_s},
+         u"GET\n/api/app-version/check\n123456789\nmacos\nprod\n2.0\n1712345678"_s,
+         "f2a3042a01e5cc4760ec54457b8b13d89be3bce61fd888008e9b6c01e381cf15"},
+        // Non-ASCII key and fields: lowercasing is Unicode-aware and the bytes are UTF-8.
+        {u"clé-ünïcode"_s,
+         {u"GET"_s, u"/api/app-version/check"_s, u"\t ÉVÉ "_s, u"macos"_s, u" Beta\r\n"_s, u" 3.1 (β)\t"_s, u"0"_s},
+         u"GET\n/api/app-version/check\névé\nmacos\nbeta\n3.1 (β)\n0"_s,
+         "6ce60cd1ed18e71cf903f2d2b4ebe72467e4e1abc4d2cb7c7428dbc5f6e09277"},
+        {u""_s,
+         {u"GET"_s, u"/"_s, u""_s, u""_s, u""_s, u""_s, u"5"_s},
+         u"GET\n/\n\n\n\n\n5"_s,
+         "678a5099bc7ef2acb5264b714da4899785155bbbf63af293ac9a3f10a4ef47f1"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.expectedText.toStdString());
+        EXPECT_EQ(VersionCheckSigning::signedText(c.fields), c.expectedText);
+        const QByteArray signature = VersionCheckSigning::signature(c.secret, c.fields);
+        EXPECT_EQ(signature, c.expectedSignature);
+        EXPECT_EQ(signature.size(), 64);
+    }
+}
+
+TEST(VersionCheckSigningTest, RequestCarriesRawValuesAndSignsTrimmedOnes)
+{
+    VersionCheckConfiguration configuration;
+    configuration.baseURL = QUrl(u"https://updates.example.com/service/"_s);
+    configuration.appID = u" ABC "_s;
+    configuration.platform = u"macOS"_s;
+    configuration.channel = u"Prod\n"_s;
+    configuration.signatureSecret = kSecret;
+    QNetworkAccessManager network;
+    const VersionCheckClient client(configuration, network);
+
+    const auto request = client.makeRequest(u"1.2.3 "_s, 1700000000);
+    ASSERT_TRUE(request.has_value());
+    const QUrl url = request->url();
+    EXPECT_EQ(url.scheme(), u"https"_s);
+    EXPECT_EQ(url.host(), u"updates.example.com"_s);
+    EXPECT_EQ(url.path(), u"/service/api/app-version/check"_s);
+    const QUrlQuery query(url);
+    const QList<QPair<QString, QString>> expectedItems {
+        {u"app_id"_s, u" ABC "_s},
+        {u"platform"_s, u"macOS"_s},
+        {u"channel"_s, u"Prod\n"_s},
+        {u"current_version"_s, u"1.2.3 "_s},
+    };
+    EXPECT_EQ(query.queryItems(QUrl::FullyDecoded), expectedItems) << "raw values, in this order";
+    EXPECT_EQ(request->rawHeader("x-app-timestamp"), "1700000000");
+    // Same fields as the first case above, so the same independently computed value.
+    EXPECT_EQ(request->rawHeader("x-app-signature"),
+              "cb23fc48408574e3fe8cd10b5e05e4602ebbfa3ab15449345f4c89bdee8cb5ab");
+    EXPECT_EQ(request->transferTimeout(), 60'000);
+}

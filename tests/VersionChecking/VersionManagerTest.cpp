@@ -1,0 +1,170 @@
+#include <QNetworkAccessManager>
+#include <QSignalSpy>
+#include <QUrlQuery>
+
+#include <gtest/gtest.h>
+
+#include "LogCapture.h"
+#include "ScriptedUpdateServer.h"
+#include "VersionChecking/VersionManager.h"
+#include "testsupport/TestEnvironment.h"
+
+using namespace quillbay;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct Fixture
+{
+    test::ScriptedUpdateServer server;
+    QNetworkAccessManager network;
+    QList<QUrl> opened;
+    VersionManager manager;
+
+    explicit Fixture(QString bundleVersion = u"2.1.0"_s)
+        : manager(VersionCheckClient(configuration(server.baseURL()), network),
+                  std::move(bundleVersion),
+                  [this](const QUrl& url) { opened << url; })
+    {
+    }
+
+    static VersionCheckConfiguration configuration(const QString& base)
+    {
+        VersionCheckConfiguration c;
+        c.baseURL = QUrl(base);
+        c.appID = u"42"_s;
+        c.signatureSecret = u"manager-secret"_s;
+        return c;
+    }
+
+    bool checkAndWait()
+    {
+        QSignalSpy finished(&manager, &VersionManager::checkFinished);
+        manager.startCheck();
+        return finished.wait(10000);
+    }
+};
+
+const QByteArray kOptional = R"({"update_url":"https://u.test/2.2","force_update":false,"update_available":true})";
+const QByteArray kForced = R"({"update_url":"https://u.test/2.2","force_update":true,"update_available":false})";
+
+} // namespace
+
+TEST(VersionManagerTest, AGoodAnswerReplacesTheInfoAndClearsTheError)
+{
+    Fixture f;
+    test::LogCapture log(u".VersionChecking"_s);
+    QSignalSpy infoChanged(&f.manager, &VersionManager::updateInfoChanged);
+    QSignalSpy errorChanged(&f.manager, &VersionManager::lastErrorChanged);
+
+    f.server.answer(200, kOptional);
+    ASSERT_TRUE(f.checkAndWait());
+    ASSERT_TRUE(f.manager.updateInfo().has_value());
+    EXPECT_EQ(f.manager.updateInfo()->updateURL, u"https://u.test/2.2"_s);
+    EXPECT_TRUE(f.manager.isUpdateAvailable());
+    EXPECT_FALSE(f.manager.isForceUpdateRequired());
+    EXPECT_EQ(infoChanged.count(), 1);
+    EXPECT_EQ(QUrlQuery(f.server.received().back().url).queryItemValue(u"current_version"_s), u"2.1.0"_s);
+
+    // The same answer again notifies nobody.
+    ASSERT_TRUE(f.checkAndWait());
+    EXPECT_EQ(infoChanged.count(), 1);
+
+    // A failure keeps the last answer, sets the error and logs one line.
+    f.server.answer(503, "down");
+    ASSERT_TRUE(f.checkAndWait());
+    ASSERT_TRUE(f.manager.lastError().has_value());
+    EXPECT_EQ(failureDescription(*f.manager.lastError()), u"Version check failed with status 503: down"_s);
+    EXPECT_TRUE(f.manager.updateInfo().has_value());
+    EXPECT_EQ(infoChanged.count(), 1);
+    EXPECT_EQ(log.criticalMessages(),
+              QStringList {u"Version check failed: Version check failed with status 503: down"_s});
+
+    // A forced update: the flag is on even though the service says none is available.
+    f.server.answer(200, kForced);
+    ASSERT_TRUE(f.checkAndWait());
+    EXPECT_FALSE(f.manager.lastError().has_value());
+    EXPECT_EQ(errorChanged.count(), 2);
+    EXPECT_EQ(infoChanged.count(), 2);
+    EXPECT_TRUE(f.manager.isForceUpdateRequired());
+    EXPECT_FALSE(f.manager.isUpdateAvailable()) << "a forced update is not offered as an optional one";
+}
+
+TEST(VersionManagerTest, ASecondStartCancelsTheFirstWithoutAnError)
+{
+    Fixture f;
+    test::LogCapture log(u".VersionChecking"_s);
+    f.server.answer(200, kOptional);
+    QSignalSpy finished(&f.manager, &VersionManager::checkFinished);
+    f.manager.startCheck();
+    f.manager.startCheck();
+    ASSERT_TRUE(finished.wait(10000));
+    // Let any stray completion of the first arrive.
+    test::waitUntil([] { return false; }, 300);
+    EXPECT_EQ(finished.count(), 1);
+    EXPECT_FALSE(f.manager.lastError().has_value());
+    EXPECT_TRUE(f.manager.updateInfo().has_value());
+    EXPECT_TRUE(log.messages().isEmpty()) << log.messages().join(u'\n').toStdString();
+}
+
+TEST(VersionManagerTest, ACancelledHangingCheckReportsNothing)
+{
+    QTcpServer silent;
+    ASSERT_TRUE(silent.listen(QHostAddress::LocalHost, 0));
+    QNetworkAccessManager network;
+    test::LogCapture log(u".VersionChecking"_s);
+    VersionManager hanging(
+        VersionCheckClient(Fixture::configuration(u"http://127.0.0.1:%1"_s.arg(silent.serverPort())), network),
+        u"1.0"_s);
+    QSignalSpy finished(&hanging, &VersionManager::checkFinished);
+    QSignalSpy errorChanged(&hanging, &VersionManager::lastErrorChanged);
+    hanging.startCheck();
+    ASSERT_TRUE(test::waitUntil([&] { return silent.hasPendingConnections(); }, 5000));
+    hanging.startCheck(); // cancels the first; the second hangs too
+    test::waitUntil([] { return false; }, 200);
+    EXPECT_EQ(finished.count(), 0);
+    EXPECT_EQ(errorChanged.count(), 0);
+    EXPECT_FALSE(hanging.lastError().has_value());
+    EXPECT_TRUE(hanging.isChecking());
+    EXPECT_TRUE(log.messages().isEmpty());
+}
+
+TEST(VersionManagerTest, OpensTheUpdatePageOnlyWhenOneIsKnownAndParses)
+{
+    struct Case
+    {
+        const char* name;
+        QByteArray answer; // empty: no check at all
+        QList<QUrl> expected;
+    };
+    const Case cases[] = {
+        {"no answer yet", {}, {}},
+        {"a page",
+         R"({"update_url":"https://u.test/dl?x=1","force_update":true,"update_available":true})",
+         {QUrl(u"https://u.test/dl?x=1"_s)}},
+        {"empty address", R"({"update_url":"","force_update":true,"update_available":true})", {}},
+        {"not an address",
+         R"({"update_url":"http://exa mple.com/%zz","force_update":true,"update_available":true})",
+         {}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Fixture f;
+        if (!c.answer.isEmpty()) {
+            f.server.answer(200, c.answer);
+            ASSERT_TRUE(f.checkAndWait());
+            ASSERT_TRUE(f.manager.updateInfo().has_value());
+        }
+        f.manager.openUpdateURL();
+        EXPECT_EQ(f.opened, c.expected);
+    }
+}
+
+TEST(VersionManagerTest, TheCurrentVersionFallsBackWhenTheBundleHasNone)
+{
+    Fixture f {QString()};
+    EXPECT_EQ(f.manager.currentVersion(), u"1.0.0"_s);
+    f.server.answer(200, kOptional);
+    ASSERT_TRUE(f.checkAndWait());
+    EXPECT_EQ(QUrlQuery(f.server.received().back().url).queryItemValue(u"current_version"_s), u"1.0.0"_s);
+}

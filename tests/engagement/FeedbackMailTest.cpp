@@ -1,0 +1,79 @@
+#include <QUrlQuery>
+
+#include <gtest/gtest.h>
+
+#include "engagement/FeedbackMail.h"
+#include "platform/Workspace.h"
+
+using namespace quillbay;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class RecordingWorkspace final : public Workspace
+{
+public:
+    bool canOpen = true;
+    QList<QUrl> opened;
+
+    bool openUrl(const QUrl& url) override
+    {
+        opened << url;
+        return canOpen;
+    }
+    bool revealFiles(const QStringList&) override { return false; }
+    std::optional<QString> applicationPath(const QString&) override { return std::nullopt; }
+    QStringList runningApplicationIdentifiers() override { return {}; }
+    bool openTerminal(const QString&) override { return false; }
+};
+
+} // namespace
+
+TEST(FeedbackMailTest, TheAddressCarriesSubjectAndBodyIntact)
+{
+    struct Case
+    {
+        const char* name;
+        FeedbackMail mail;
+        QString subject;
+    };
+    const Case cases[] = {
+        {"plain",
+         {u"support@quillbay.app"_s, u"Quillbay"_s, u"1.2.0"_s, u"Debian GNU/Linux 12 (bookworm)"_s},
+         u"Feedback: Quillbay v1.2.0"_s},
+        {"no version", {u"support@quillbay.app"_s, u"Quillbay"_s, u""_s, u"15.6"_s}, u"Feedback: Quillbay v--"_s},
+        // Query delimiters and non-ASCII in the values must not split or garble the address.
+        {"hostile name",
+         {u"help+fb@example.com"_s, u"Q&A=1 #2 ü?"_s, u"3.0 beta"_s, u"X & Y"_s},
+         u"Feedback: Q&A=1 #2 ü? v3.0 beta"_s},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const QUrl url = c.mail.url();
+        ASSERT_TRUE(url.isValid());
+        EXPECT_EQ(url.scheme(), u"mailto"_s);
+        EXPECT_EQ(url.path(), c.mail.recipient);
+        const QUrlQuery query(url);
+        EXPECT_EQ(query.queryItems(QUrl::FullyDecoded).size(), 2);
+        EXPECT_EQ(query.queryItemValue(u"subject"_s, QUrl::FullyDecoded), c.subject);
+        const QString body = query.queryItemValue(u"body"_s, QUrl::FullyDecoded);
+        const QString rule = u"-----------------------------------------"_s;
+        EXPECT_EQ(body,
+                  u"Hi there,\n\n[Please type your feedback, bug report, or feature request here]\n\n\n"_s + rule
+                      + u"\nApp Name: "_s + c.mail.appName + u"\nApp Version: "_s
+                      + (c.mail.appVersion.isEmpty() ? u"--"_s : c.mail.appVersion) + u"\nmacOS Version: "_s
+                      + c.mail.systemVersion + u"\n"_s + rule);
+        EXPECT_FALSE(url.toEncoded().contains(' ')) << "no raw blanks on the wire";
+    }
+}
+
+TEST(FeedbackMailTest, WithoutAMailProgramNothingHappensVisibly)
+{
+    RecordingWorkspace workspace;
+    const FeedbackMail mail {u"support@quillbay.app"_s, u"Quillbay"_s, u"1.0"_s, u"Linux"_s};
+    EXPECT_TRUE(mail.send(workspace));
+    workspace.canOpen = false;
+    EXPECT_FALSE(mail.send(workspace));
+    ASSERT_EQ(workspace.opened.size(), 2);
+    EXPECT_EQ(workspace.opened.at(1), mail.url());
+}

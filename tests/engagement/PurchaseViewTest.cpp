@@ -1,0 +1,102 @@
+#include <QLabel>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include "ScriptedTipStore.h"
+#include "engagement/EngagementPromptStore.h"
+#include "engagement/PurchaseService.h"
+#include "engagement/views/PurchaseView.h"
+#include "foundation/Defaults.h"
+#include "testsupport/TestEnvironment.h"
+
+using namespace quillbay;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct Window
+{
+    QTemporaryDir dir;
+    SettingsDefaults defaults {dir.filePath(u"d.ini"_s)};
+    EngagementPromptStore engagement {defaults, u"1.0"_s};
+    test::ScriptedTipStore store;
+    std::unique_ptr<PurchaseService> service;
+    std::unique_ptr<PurchaseView> view;
+
+    explicit Window(QList<TipProduct> products)
+    {
+        store.products = std::move(products);
+        service = std::make_unique<PurchaseService>(store, engagement);
+        view = std::make_unique<PurchaseView>(*service, u"12.4 GB"_s, u"Quillbay"_s);
+        view->show();
+    }
+
+    QList<QPushButton*> tipButtons() const
+    {
+        QList<QPushButton*> buttons;
+        for (int i = 0;; ++i) {
+            auto* b = view->findChild<QPushButton*>(u"tip%1PushButton"_s.arg(i));
+            if (!b)
+                return buttons;
+            buttons << b;
+        }
+    }
+    QString label(const char* name) const { return view->findChild<QLabel*>(QLatin1String(name))->text(); }
+};
+
+} // namespace
+
+TEST(PurchaseViewTest, ShowsItsTextsAndOneButtonPerTipCheapestFirst)
+{
+    Window w(test::tipProducts());
+    EXPECT_EQ(w.label("titleLabel"), u"Support Us with a Tip 😊"_s);
+    EXPECT_EQ(w.label("thanksLabel"), u"Thanks for using Quillbay!"_s);
+    EXPECT_EQ(w.label("purposeLabel"), u"Your tip helps us keep this app free and improves it with new features."_s);
+    EXPECT_EQ(w.label("savedSpaceLabel"), u"You've saved a total of <b>12.4 GB</b>"_s);
+    ASSERT_TRUE(test::waitUntil([&] { return w.tipButtons().size() == 3; }, 3000));
+    QStringList texts;
+    for (QPushButton* b : w.tipButtons())
+        texts << b->text();
+    EXPECT_EQ(texts, (QStringList {u"☕️ $0.99"_s, u"🍩 $2.99"_s, u"🍕 $9.99"_s}));
+    EXPECT_EQ(PurchaseView::pictureFor(u"some.other.tip"_s), u"🍕"_s);
+}
+
+TEST(PurchaseViewTest, ACompletedTipThanksAndAFailedOneLeavesTheWindowAlone)
+{
+    Window w(test::tipProducts());
+    ASSERT_TRUE(test::waitUntil([&] { return w.tipButtons().size() == 3; }, 3000));
+
+    w.store.outcome = TipStore::PurchaseOutcome::cancelled;
+    QSignalSpy finished(&w.store, &TipStore::purchaseFinished);
+    w.tipButtons().at(0)->click();
+    ASSERT_TRUE(finished.wait(3000));
+    EXPECT_TRUE(w.view->isVisible());
+    EXPECT_TRUE(w.view->toastMessage().isEmpty());
+    EXPECT_FALSE(w.engagement.hasEverTipped());
+
+    w.store.outcome = TipStore::PurchaseOutcome::succeeded;
+    w.tipButtons().at(2)->click();
+    ASSERT_TRUE(finished.wait(3000));
+    EXPECT_EQ(w.store.purchased, (QStringList {u"tidewell.donation.0"_s, u"tidewell.donation.2"_s}));
+    EXPECT_EQ(w.view->toastMessage(), u"Thank you for your kindness!"_s);
+    EXPECT_TRUE(w.view->isVisible()) << "the window stays for the thanks";
+    EXPECT_TRUE(w.engagement.hasEverTipped());
+}
+
+TEST(PurchaseViewTest, WithNoProductsThereAreNoTipButtonsAndNotNowStillCloses)
+{
+    Window w({});
+    QSignalSpy loaded(w.service.get(), &PurchaseService::consumableChanged);
+    ASSERT_TRUE(loaded.wait(3000));
+    EXPECT_TRUE(w.tipButtons().isEmpty());
+    QSignalSpy rejected(w.view.get(), &QDialog::rejected);
+    auto* notNow = w.view->findChild<QPushButton*>(u"notNowPushButton"_s);
+    ASSERT_NE(notNow, nullptr);
+    EXPECT_EQ(notNow->text(), u"Not now"_s);
+    notNow->click();
+    EXPECT_EQ(rejected.count(), 1);
+    EXPECT_FALSE(w.view->isVisible());
+}
