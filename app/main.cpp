@@ -1,4 +1,5 @@
 #include <QApplication>
+#include <QIcon>
 #include <memory>
 
 #include "core/QuillbayApp.h"
@@ -15,6 +16,7 @@ int main(int argc, char* argv[])
     QApplication::setOrganizationDomain(QStringLiteral("quillbay.app"));
     QApplication::setApplicationVersion(QStringLiteral(QUILLBAY_VERSION));
     QApplication::setDesktopFileName(QStringLiteral(QUILLBAY_BUNDLE_IDENTIFIER));
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/quillbay.svg")));
     quillbay::installIconTheme();
 
     int status = 0;

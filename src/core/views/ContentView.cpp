@@ -61,6 +61,8 @@ void ContentView::buildSidebar()
     m_sidebar->setMaximumWidth(320);
     m_sidebar->setFrameShape(QFrame::NoFrame);
     m_sidebar->setIconSize(QSize(18, 18));
+    m_sidebar->setStyleSheet(
+        QStringLiteral("QTreeWidget { padding-top: 6px; } QTreeWidget::item { padding: 4px 2px; }"));
     for (const SidebarSection& section : sidebarSections()) {
         auto* heading = new QTreeWidgetItem(m_sidebar, {section.heading});
         heading->setFlags(Qt::ItemIsEnabled);

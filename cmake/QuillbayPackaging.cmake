@@ -1,0 +1,13 @@
+# `cpack -G DEB` in a build folder makes a Debian package of what `cmake --install` puts down.
+set(CPACK_PACKAGE_NAME "quillbay")
+set(CPACK_PACKAGE_VENDOR "Quillbay")
+set(CPACK_PACKAGE_CONTACT "${QUILLBAY_SUPPORT_EMAIL}")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Toolbox for developers who work with Xcode and Homebrew")
+set(CPACK_PACKAGE_VERSION "${PROJECT_VERSION}")
+set(CPACK_GENERATOR "DEB")
+set(CPACK_DEBIAN_FILE_NAME "DEB-DEFAULT")
+set(CPACK_DEBIAN_PACKAGE_SECTION "devel")
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "breeze-icon-theme, qt6-image-formats-plugins")
+set(CPACK_STRIP_FILES ON)
+include(CPack)

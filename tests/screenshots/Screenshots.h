@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QString>
+
+class QWidget;
+
+namespace quillbay::screenshots {
+
+// Saves the widget, laid out and painted offscreen, as <outDir>/<name>.png.
+void save(QWidget* widget, const QString& outDir, const QString& name);
+
+void renderShellScreenshots(const QString& outDir);
+
+} // namespace quillbay::screenshots
