@@ -37,7 +37,7 @@ function(quillbay_add_test name)
         DISCOVERY_MODE PRE_TEST
         DISCOVERY_TIMEOUT 60
         PROPERTIES
-            ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QUILLBAY_SHARED_DIR=${PROJECT_SOURCE_DIR}/../shared;QUILLBAY_SOURCE_DIR=${PROJECT_SOURCE_DIR}"
+            ENVIRONMENT "QT_QPA_PLATFORM=offscreen"
             LABELS "${ARG_LABEL}"
             TIMEOUT 120)
 endfunction()

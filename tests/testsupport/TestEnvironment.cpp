@@ -12,7 +12,9 @@ namespace quillbay::test {
 
 QString sharedDataDir()
 {
-    const QString configured = qEnvironmentVariable("QUILLBAY_SHARED_DIR");
+    QString configured = qEnvironmentVariable("QUILLBAY_SHARED_DIR");
+    if (configured.isEmpty())
+        configured = QStringLiteral(QUILLBAY_SHARED_DIR_DEFAULT);
     if (!configured.isEmpty() && QFileInfo(configured + QStringLiteral("/realdata")).isDir())
         return QDir(configured).absolutePath() + QStringLiteral("/realdata");
     return {};
@@ -20,7 +22,8 @@ QString sharedDataDir()
 
 QString sourceDir()
 {
-    return qEnvironmentVariable("QUILLBAY_SOURCE_DIR");
+    const QString configured = qEnvironmentVariable("QUILLBAY_SOURCE_DIR");
+    return configured.isEmpty() ? QStringLiteral(QUILLBAY_SOURCE_DIR_DEFAULT) : configured;
 }
 
 bool waitUntil(const std::function<bool()>& predicate, int timeoutMs)
