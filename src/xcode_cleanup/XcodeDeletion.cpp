@@ -1,6 +1,7 @@
 #include "xcode_cleanup/XcodeDeletion.h"
 
 #include <QFileInfo>
+#include <QSet>
 
 #include "foundation/Log.h"
 #include "foundation/PathContainment.h"
@@ -92,6 +93,34 @@ bool XcodeDeletion::accepted(const QString& target, const XcodeDeletionRoot& roo
         return false;
     const QString parent = resolvedPath(parentPath(t));
     return isPathInside(parent, root.resolvedURL);
+}
+
+QList<XcodeDeletionTarget> XcodeDeletion::collectTargets(const std::vector<XcodeFileProperties>& rows)
+{
+    QList<XcodeDeletionTarget> targets;
+    QSet<QString> seen;
+    for (const XcodeFileProperties& row : rows) {
+        if (!row.hasSelection())
+            continue;
+        std::vector<const XcodeFileProperties*> stack {&row};
+        while (!stack.empty()) {
+            const XcodeFileProperties* node = stack.back();
+            stack.pop_back();
+            if (node->isSelected && !node->paths.isEmpty()) {
+                for (const QString& path : node->paths) {
+                    const QString key = standardizedPath(path);
+                    if (seen.contains(key))
+                        continue;
+                    seen.insert(key);
+                    targets.append({row.label, node->label, path});
+                }
+            } else if (node->hasSelection() && node->children) {
+                for (const XcodeFileProperties& child : *node->children)
+                    stack.push_back(&child);
+            }
+        }
+    }
+    return targets;
 }
 
 XcodeDeletion::XcodeDeletion(QList<XcodeDeletionRoot> roots, Measure measure)

@@ -4,6 +4,9 @@
 #include <QString>
 #include <QStringList>
 #include <functional>
+#include <vector>
+
+#include "xcode_cleanup/XcodeFileProperties.h"
 
 namespace quillbay {
 
@@ -59,6 +62,11 @@ public:
     // link resolved, lies inside the root's resolved path. The target itself is not
     // resolved, so a link is judged (and deleted) as a link.
     static bool accepted(const QString& target, const XcodeDeletionRoot& root);
+
+    // The filesystem items the selection of `rows` stands for, each path once. A selected
+    // node with paths covers its subtree; a node without paths (a location, an OS row, an
+    // archive group) is never a target itself, however it is checked.
+    static QList<XcodeDeletionTarget> collectTargets(const std::vector<XcodeFileProperties>& rows);
 
     // Bytes a target frees: 0 for a link, else the folder measure, else the item's own.
     using Measure = std::function<qint64(const QString& path)>;

@@ -35,7 +35,12 @@ public:
             m_steps.pop_front();
         }
         QMetaObject::invokeMethod(
-            QCoreApplication::instance(), [answer, result] { answer(result); }, Qt::QueuedConnection);
+            QCoreApplication::instance(),
+            [this, answer, result] {
+                answer(result);
+                ++answered;
+            },
+            Qt::QueuedConnection);
     }
 
     void chooseSaveLocation(const SaveRequest&, Answer answer) override
@@ -45,6 +50,8 @@ public:
     }
 
     QList<FolderRequest> requests;
+    // Answers handed back so far; the answer is acted on before this moves.
+    int answered = 0;
 
 private:
     std::deque<Step> m_steps;

@@ -1,17 +1,19 @@
 #include "core/views/ToolScreens.h"
 
+#include "core/AppViewModel.h"
 #include "core/QuillbayApp.h"
 #include "core/views/ComingSoonPanel.h"
+#include "xcode_cleanup/views/CleanupView.h"
 
 namespace quillbay {
 
 QWidget* createToolScreen(Tool tool, QuillbayApp& app, QWidget* parent)
 {
-    Q_UNUSED(app);
     switch (tool) {
+    case Tool::xcodeCleanup:
+        return new CleanupView(app.viewModel(), parent);
     case Tool::xcodeReleases:
     case Tool::assetsMaker:
-    case Tool::xcodeCleanup:
     case Tool::homebrewCatalog:
     case Tool::homebrewInstalled:
     case Tool::homebrewCleanup:
