@@ -73,16 +73,19 @@ std::vector<XcodeFileProperties> sortedDeviceSupportFiles(std::vector<XcodeFileP
         if (!f->architecture)
             plain.push_back(f);
     }
+    // Decide every duplicate before moving anything: `plain` points into `files`.
+    std::vector<bool> duplicate(files.size(), false);
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        const DeviceSupportFile* f = files[i].as<DeviceSupportFile>();
+        duplicate[i] = f->architecture && std::any_of(plain.begin(), plain.end(), [&](const DeviceSupportFile* p) {
+                           return p->version == f->version && buildOf(*p) == buildOf(*f) && p->device == f->device;
+                       });
+    }
     std::vector<XcodeFileProperties> kept;
     kept.reserve(files.size());
-    for (XcodeFileProperties& item : files) {
-        const DeviceSupportFile* f = item.as<DeviceSupportFile>();
-        const bool duplicate
-            = f->architecture && std::any_of(plain.begin(), plain.end(), [&](const DeviceSupportFile* p) {
-                  return p->version == f->version && buildOf(*p) == buildOf(*f) && p->device == f->device;
-              });
-        if (!duplicate)
-            kept.push_back(std::move(item));
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        if (!duplicate[i])
+            kept.push_back(std::move(files[i]));
     }
     return kept;
 }
