@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <algorithm>
+#include <atomic>
 #include <condition_variable>
 #include <cstdlib>
 #include <memory>
@@ -25,8 +26,19 @@ qint64 checkedByteSum(qint64 a, qint64 b)
     return sum;
 }
 
+namespace {
+std::atomic<int> measureThreadOverride{0};
+}
+
+void setDefaultMeasureThreadCount(int threads)
+{
+    measureThreadOverride = std::max(0, threads);
+}
+
 int defaultMeasureThreadCount()
 {
+    if (const int configured = measureThreadOverride.load())
+        return configured;
     const unsigned cores = std::max(1u, std::thread::hardware_concurrency());
     return static_cast<int>(std::clamp(cores * 2, 2u, 16u));
 }

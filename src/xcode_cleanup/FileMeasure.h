@@ -12,6 +12,8 @@ qint64 checkedByteSum(qint64 a, qint64 b);
 // Threads a directory measure may use, the calling one included. More than the cores:
 // with a cold cache most of them wait on directory reads.
 int defaultMeasureThreadCount();
+// Overrides the default for the process (0 restores it); for benchmarks that compare counts.
+void setDefaultMeasureThreadCount(int threads);
 
 // The allocated bytes (st_blocks * 512) of every regular file below `path`, each link to
 // a file counted where it stands; folders, symbolic links and other kinds count nothing,
