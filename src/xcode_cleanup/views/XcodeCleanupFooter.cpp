@@ -53,8 +53,9 @@ void XcodeCleanupFooter::refresh()
 {
     m_total->setText(QStringLiteral("Total: ") + formatByteCount(m_viewModel.totalSize()));
     m_selected->setText(QStringLiteral("Selected: ") + formatByteCount(m_viewModel.selectedSize()));
-    m_delete->setEnabled(!m_viewModel.disableClean());
     const bool idle = !m_viewModel.scanning() && !m_viewModel.cleaning();
+    // The store refuses a clean while another runs; the button says so too.
+    m_delete->setEnabled(!m_viewModel.disableClean() && !m_viewModel.cleaning());
     m_selectAll->setEnabled(idle);
     m_deselectAll->setEnabled(idle);
 }
