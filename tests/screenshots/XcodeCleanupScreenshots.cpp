@@ -21,11 +21,15 @@ struct Shot
             f.buildDeveloperTree();
     }
 
-    void open()
+    // `beforeShow` runs once the screen exists but before it appears, which is when its
+    // first request (and so the scan) starts.
+    void open(const std::function<void()>& beforeShow = {})
     {
         view = std::make_unique<CleanupView>(*f.model);
         f.model->setCleanupPanels(&f.pickers, &f.alerts);
         view->resize(960, 620);
+        if (beforeShow)
+            beforeShow();
         view->show();
     }
 
@@ -50,13 +54,14 @@ void renderXcodeCleanupScreenshots(const QString& outDir)
         // first location's scan can come back.
         Shot shot(true);
         bool taken = false;
-        QObject::connect(shot.f.model.get(), &AppViewModel::localFilesChanged, shot.f.model.get(), [&] {
-            if (!taken && shot.f.model->localFiles().size() == 6 && !shot.f.model->localFiles()[0].size.isKnown()) {
-                taken = true;
-                save(shot.view.get(), outDir, QStringLiteral("xcode-cleanup-scanning"));
-            }
+        shot.open([&] {
+            QObject::connect(shot.f.model.get(), &AppViewModel::localFilesChanged, shot.view.get(), [&] {
+                if (!taken && shot.f.model->localFiles().size() == 6 && !shot.f.model->localFiles()[0].size.isKnown()) {
+                    taken = true;
+                    save(shot.view.get(), outDir, QStringLiteral("xcode-cleanup-scanning"));
+                }
+            });
         });
-        shot.open();
         shot.authorizeAndScan();
     }
     {

@@ -39,6 +39,15 @@ const QHash<QString, QStringList>& symbolTable()
         {QStringLiteral("ellipsis.circle"), {QStringLiteral("overflow-menu"), QStringLiteral("application-menu")}},
         {QStringLiteral("checkmark"), {QStringLiteral("checkmark"), QStringLiteral("dialog-ok")}},
         {QStringLiteral("apple.logo"), {QStringLiteral("cpu")}},
+        {QStringLiteral("info.circle.fill"), {QStringLiteral("dialog-information"), QStringLiteral("help-about")}},
+        {QStringLiteral("externaldrive.badge.questionmark"),
+         {QStringLiteral("drive-harddisk"), QStringLiteral("dialog-question")}},
+        {QStringLiteral("checkmark.circle"), {QStringLiteral("dialog-ok-apply"), QStringLiteral("checkmark")}},
+        {QStringLiteral("iphone"), {QStringLiteral("smartphone"), QStringLiteral("phone")}},
+        {QStringLiteral("applewatch"), {QStringLiteral("smartwatch"), QStringLiteral("chronometer")}},
+        {QStringLiteral("tv"), {QStringLiteral("video-television"), QStringLiteral("input-tvremote")}},
+        {QStringLiteral("vision.pro"), {QStringLiteral("video-headset"), QStringLiteral("audio-headset")}},
+        {QStringLiteral("desktopcomputer"), {QStringLiteral("computer"), QStringLiteral("video-display")}},
     };
     return table;
 }
