@@ -138,7 +138,7 @@ TEST(AppViewModelAuthorizationTest, CustomFoldersAreSavedScannedAndRemoved)
     CleanupFlowFixture f;
     f.buildDeveloperTree();
     const QString custom = f.tree.mkdir(QStringLiteral("Builds"));
-    f.addDerivedData(QStringLiteral("Custom_Project-cccc"), 30000, QStringLiteral("Builds"));
+    const QString customProject = f.addDerivedData(QStringLiteral("Custom_Project"), 30000, custom);
     f.model->requestDeveloperFolderAuthorization(false);
     ASSERT_TRUE(waitUntil([&] { return f.model->hasFileManager(); }));
     ASSERT_TRUE(f.waitForIdle());
@@ -198,6 +198,5 @@ TEST(AppViewModelAuthorizationTest, CustomFoldersAreSavedScannedAndRemoved)
     EXPECT_TRUE(f.model->customDerivedDataFolders().isEmpty());
     EXPECT_EQ(f.find(QStringLiteral("Custom Project")), nullptr);
     EXPECT_TRUE(bookmarks.load(URLBookmarkManager::File::customDerivedData).isEmpty());
-    EXPECT_TRUE(QFile::exists(custom + QStringLiteral("/Custom_Project-cccc")))
-        << "removing a location deletes nothing";
+    EXPECT_TRUE(QFile::exists(customProject)) << "removing a location deletes nothing";
 }

@@ -135,11 +135,11 @@ TEST(AppViewModelCleanupTest, CleanDeletesReportsAndRescans)
     });
     f.cleanAndWait();
     EXPECT_TRUE(checkedAtLanding);
-    EXPECT_FALSE(QFileInfo::exists(f.xcode(QStringLiteral("DerivedData/My_App-aaaa"))));
-    EXPECT_FALSE(QFileInfo::exists(f.xcode(QStringLiteral("DocumentationCache/v1/15.4"))));
-    EXPECT_FALSE(QFileInfo::exists(f.xcode(QStringLiteral("DocumentationCache/v2/15.4"))));
-    EXPECT_TRUE(QFileInfo::exists(f.xcode(QStringLiteral("DocumentationCache/v2/16.0"))));
-    EXPECT_TRUE(QFileInfo::exists(f.xcode(QStringLiteral("DerivedData/Other-bbbb"))));
+    EXPECT_FALSE(QFileInfo::exists(f.myApp));
+    EXPECT_FALSE(QFileInfo::exists(f.docs154a));
+    EXPECT_FALSE(QFileInfo::exists(f.docs154b));
+    EXPECT_TRUE(QFileInfo::exists(f.docs160));
+    EXPECT_TRUE(QFileInfo::exists(f.other));
     EXPECT_TRUE(QFileInfo::exists(f.xcode(QStringLiteral("DerivedData"))));
     EXPECT_EQ(f.saved.totalBytes(), selected);
     EXPECT_EQ(f.defaults.integerValue(QStringLiteral("TotalBytesDeleted"), 0), selected);
@@ -158,7 +158,7 @@ TEST(AppViewModelCleanupTest, OutcomesOfPartialFailedAndEmptyRuns)
     {
         const char* name;
         QStringList selected;
-        bool lockMyApp; // an immutable file inside My_App-aaaa
+        bool lockMyApp; // an immutable info.plist in My App
         bool removeBefore; // the selection vanished from the disk before the clean
         QString message; // empty: the partial text with the freed bytes
         int credit;
@@ -183,12 +183,12 @@ TEST(AppViewModelCleanupTest, OutcomesOfPartialFailedAndEmptyRuns)
             f.select(label);
         std::unique_ptr<ImmutableFile> lock;
         if (c.lockMyApp) {
-            lock = std::make_unique<ImmutableFile>(f.xcode(QStringLiteral("DerivedData/My_App-aaaa/info.plist")));
+            lock = std::make_unique<ImmutableFile>(f.myApp + QStringLiteral("/info.plist"));
             if (!lock->isActive())
                 GTEST_SKIP() << "no immutable files here, and root may remove anything else";
         }
         if (c.removeBefore) {
-            ASSERT_TRUE(QDir(f.xcode(QStringLiteral("DerivedData/Other-bbbb"))).removeRecursively());
+            ASSERT_TRUE(QDir(f.other).removeRecursively());
         }
         const qint64 otherBytes = f.find(QStringLiteral("Other"))->size.bytesOrZero();
         f.cleanAndWait();
@@ -199,7 +199,7 @@ TEST(AppViewModelCleanupTest, OutcomesOfPartialFailedAndEmptyRuns)
         EXPECT_EQ(credit.count(), c.credit);
         EXPECT_EQ(f.saved.totalBytes(), c.savedGrows ? otherBytes : 0);
         if (c.lockMyApp) {
-            EXPECT_TRUE(QFileInfo::exists(f.xcode(QStringLiteral("DerivedData/My_App-aaaa/info.plist"))));
+            EXPECT_TRUE(QFileInfo::exists(f.myApp + QStringLiteral("/info.plist")));
             EXPECT_NE(f.find(QStringLiteral("My App")), nullptr) << "what stayed is listed again";
         }
     }
@@ -222,7 +222,7 @@ TEST(AppViewModelCleanupTest, GuardsRefuseOverlappingWork)
     ASSERT_TRUE(f.waitForIdle());
     QObject::disconnect(scanWatch);
     EXPECT_EQ(cleansRefused, 8);
-    EXPECT_TRUE(QFileInfo::exists(f.xcode(QStringLiteral("DerivedData/Other-bbbb"))));
+    EXPECT_TRUE(QFileInfo::exists(f.other));
 
     f.select(QStringLiteral("Other"));
     int scansRefused = 0;

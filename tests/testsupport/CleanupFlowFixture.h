@@ -10,6 +10,7 @@
 #include "core/state/SavedSpaceStore.h"
 #include "foundation/Defaults.h"
 #include "platform/UserPaths.h"
+#include "testsupport/DeveloperTreeBuilder.h"
 #include "testsupport/ScriptedPanels.h"
 #include "testsupport/TempTree.h"
 #include "testsupport/TestEnvironment.h"
@@ -42,38 +43,36 @@ struct CleanupFlowFixture
 
     QString xcode(const QString& relative) const { return developer + QStringLiteral("/Xcode/") + relative; }
 
-    static QByteArray derivedDataPlist(const QString& workspacePath)
+    // A derived data folder "<name>-<hash>" with an info.plist and `bytes` of build
+    // products, in the default folder or under `root`.
+    QString addDerivedData(const QString& name, qint64 bytes, const QString& root = QString())
     {
-        return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-               "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
-               "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
-               "<plist version=\"1.0\"><dict><key>WorkspacePath</key><string>"
-            + workspacePath.toUtf8() + "</string></dict></plist>\n";
-    }
-
-    // A derived data folder with an info.plist and `bytes` of build products.
-    QString addDerivedData(const QString& folderName, qint64 bytes, const QString& root = QString())
-    {
-        const QString base = root.isEmpty() ? QStringLiteral("home/Library/Developer/Xcode/DerivedData") : root;
-        tree.writeFile(base + QLatin1Char('/') + folderName + QStringLiteral("/info.plist"),
-                       derivedDataPlist(QStringLiteral("/Users/me/") + folderName + QStringLiteral(".xcodeproj")));
-        tree.writeSizedFile(base + QLatin1Char('/') + folderName + QStringLiteral("/Build/Products/app.o"), bytes);
-        return tree.path(base + QLatin1Char('/') + folderName);
+        return DeveloperTreeBuilder(developer).addDerivedData(
+            name, QStringLiteral("/Users/me/") + name + QStringLiteral(".xcodeproj"), bytes,
+            DeveloperTreeBuilder::PlistFormat::xml, root);
     }
 
     // The standard tree: the Xcode folder with two derived data projects, documentation
     // for two Xcode versions (one of them in two format folders) and one device log.
     void buildDeveloperTree()
     {
-        tree.mkdir(QStringLiteral("home/Library/Developer/Xcode/iOS DeviceSupport"));
-        addDerivedData(QStringLiteral("My_App-aaaa"), 200000);
-        addDerivedData(QStringLiteral("Other-bbbb"), 50000);
-        tree.mkdir(QStringLiteral("home/Library/Developer/Xcode/DerivedData/ModuleCache"));
-        tree.writeSizedFile(QStringLiteral("home/Library/Developer/Xcode/DocumentationCache/v1/15.4/index"), 30000);
-        tree.writeSizedFile(QStringLiteral("home/Library/Developer/Xcode/DocumentationCache/v2/15.4/index"), 10000);
-        tree.writeSizedFile(QStringLiteral("home/Library/Developer/Xcode/DocumentationCache/v2/16.0/index"), 20000);
-        tree.writeSizedFile(QStringLiteral("home/Library/Developer/Xcode/iOS Device Logs/Logs 16.0 2024.db"), 4000);
+        DeveloperTreeBuilder builder(developer);
+        builder.mkdir(QStringLiteral("Xcode/iOS DeviceSupport"));
+        builder.mkdir(QStringLiteral("Xcode/DerivedData/ModuleCache"));
+        myApp = addDerivedData(QStringLiteral("My_App"), 200000);
+        other = addDerivedData(QStringLiteral("Other"), 50000);
+        docs154a = builder.addDocumentationCache(QStringLiteral("v1"), QStringLiteral("15.4"), 30000);
+        docs154b = builder.addDocumentationCache(QStringLiteral("v2"), QStringLiteral("15.4"), 10000);
+        docs160 = builder.addDocumentationCache(QStringLiteral("v2"), QStringLiteral("16.0"), 20000);
+        builder.addDeviceLog(QStringLiteral("Logs 16.0 2024.db"), 4000);
     }
+
+    // Paths of the standard tree.
+    QString myApp;
+    QString other;
+    QString docs154a;
+    QString docs154b;
+    QString docs160;
 
     bool waitForIdle(int ms = 15000)
     {

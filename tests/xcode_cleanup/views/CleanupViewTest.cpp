@@ -161,10 +161,10 @@ TEST(CleanupViewTest, AuthorizeScanTickDeleteAndSeeTheResult)
     ASSERT_TRUE(waitUntil([&] { return s.f.model->cleaning() || s.f.model->scanning(); }));
     ASSERT_TRUE(s.f.waitForIdle());
 
-    EXPECT_FALSE(QFileInfo::exists(s.f.xcode(QStringLiteral("DerivedData/My_App-aaaa"))));
-    EXPECT_FALSE(QFileInfo::exists(s.f.xcode(QStringLiteral("DocumentationCache/v1/15.4"))));
-    EXPECT_FALSE(QFileInfo::exists(s.f.xcode(QStringLiteral("DocumentationCache/v2/15.4"))));
-    EXPECT_TRUE(QFileInfo::exists(s.f.xcode(QStringLiteral("DerivedData/Other-bbbb"))));
+    EXPECT_FALSE(QFileInfo::exists(s.f.myApp));
+    EXPECT_FALSE(QFileInfo::exists(s.f.docs154a));
+    EXPECT_FALSE(QFileInfo::exists(s.f.docs154b));
+    EXPECT_TRUE(QFileInfo::exists(s.f.other));
     EXPECT_FALSE(s.row(QStringLiteral("My App")).isValid());
     EXPECT_FALSE(s.row(QStringLiteral("Cache from Xcode 15.4")).isValid());
     EXPECT_TRUE(s.row(QStringLiteral("Cache from Xcode 16.0")).isValid());
@@ -180,7 +180,7 @@ TEST(CleanupViewTest, APartialFailureShowsThePartialMessageAndEarnsNoCredit)
 {
     Screen s;
     s.f.buildDeveloperTree();
-    ImmutableFile lock(s.f.xcode(QStringLiteral("DerivedData/My_App-aaaa/info.plist")));
+    ImmutableFile lock(s.f.myApp + QStringLiteral("/info.plist"));
     if (!lock.isActive())
         GTEST_SKIP() << "no immutable files on this file system, and as root nothing else resists removal";
     s.f.defaults.setValue(QStringLiteral("SuppressDeleteWarningAlert"), true);
@@ -205,8 +205,7 @@ TEST(CleanupViewTest, APartialFailureShowsThePartialMessageAndEarnsNoCredit)
     EXPECT_EQ(credit.count(), 0);
     EXPECT_EQ(s.f.saved.totalBytes(), otherBytes);
     EXPECT_TRUE(s.row(QStringLiteral("My App")).isValid()) << "what stayed is listed again";
-    EXPECT_FALSE(QFileInfo::exists(s.f.xcode(QStringLiteral("DerivedData/My_App-aaaa/Build"))))
-        << "the rest of a failed folder still goes";
+    EXPECT_FALSE(QFileInfo::exists(s.f.myApp + QStringLiteral("/Build"))) << "the rest of a failed folder still goes";
     EXPECT_FALSE(s.row(QStringLiteral("Other")).isValid());
 }
 
@@ -243,8 +242,7 @@ TEST(CleanupViewTest, DialogsFollowTheRunningXcodeAndTheirDontAskAgainKeys)
         XcodeCleanupFooter* footer = s.view->footer();
         EXPECT_EQ(footer->isShowingXcodeRunningWarning(), c.expectWarning);
         EXPECT_EQ(footer->isShowingDeletionConfirmation(), c.expectConfirmation);
-        EXPECT_EQ(s.f.model->cleaning() || !QFileInfo::exists(s.f.xcode(QStringLiteral("DerivedData/Other-bbbb"))),
-                  !c.expectWarning && !c.expectConfirmation);
+        EXPECT_EQ(s.f.model->cleaning() || !QFileInfo::exists(s.f.other), !c.expectWarning && !c.expectConfirmation);
         if (c.expectWarning) {
             QMessageBox* warning = footer->xcodeRunningWarning();
             EXPECT_EQ(warning->text(), QStringLiteral("Xcode is running"));
@@ -266,7 +264,7 @@ TEST(CleanupViewTest, DialogsFollowTheRunningXcodeAndTheirDontAskAgainKeys)
             confirm->reject();
             ASSERT_TRUE(waitUntil([&] { return !footer->isShowingDeletionConfirmation(); }));
             EXPECT_FALSE(s.f.model->cleaning()) << "cancelling deletes nothing";
-            EXPECT_TRUE(QFileInfo::exists(s.f.xcode(QStringLiteral("DerivedData/Other-bbbb"))));
+            EXPECT_TRUE(QFileInfo::exists(s.f.other));
         }
         ASSERT_TRUE(s.f.waitForIdle());
     }
@@ -302,7 +300,7 @@ TEST(CleanupViewTest, RowsOfferShowInFinderInfoAndSpinners)
     EXPECT_EQ(reveal->text(), QStringLiteral("Show in Finder"));
     reveal->trigger();
     ASSERT_EQ(s.f.workspace.revealed.size(), 1);
-    EXPECT_EQ(s.f.workspace.revealed[0], QStringList {s.f.xcode(QStringLiteral("DerivedData/My_App-aaaa"))});
+    EXPECT_EQ(s.f.workspace.revealed[0], QStringList {s.f.myApp});
     std::unique_ptr<QMenu> docs(s.view->content()->contextMenu(s.row(QStringLiteral("Cache from Xcode 15.4"))));
     docs->findChild<QAction*>(QStringLiteral("showInFinderAction"))->trigger();
     EXPECT_EQ(s.f.workspace.revealed[1].size(), 2) << "every path of the row is shown";
@@ -328,7 +326,7 @@ TEST(CleanupViewTest, AnEmptyDeveloperFolderShowsTheEmptyState)
     ASSERT_TRUE(s.f.waitForIdle());
     EXPECT_TRUE(s.view->content()->isShowingEmptyState());
     EXPECT_EQ(s.label("emptyStateTitleLabel")->text(), QStringLiteral("No Xcode Data to Clean"));
-    s.f.addDerivedData(QStringLiteral("Late-dddd"), 10000);
+    s.f.addDerivedData(QStringLiteral("Late"), 10000);
     s.button("emptyStateRescanPushButton")->click();
     EXPECT_FALSE(s.view->content()->isShowingEmptyState()) << "the list shows while scanning";
     ASSERT_TRUE(s.f.waitForIdle());
