@@ -1,52 +1,48 @@
 #!/usr/bin/env bash
 # Deletes a generated derived data tree of about 100,000 files through the cleanup's
-# guarded deletion, and an identical copy with `rm -rf`, in one run; prints both times
-# and their ratio.
+# guarded deletion (targets collected from the selection, measured, checked twice,
+# removed), and an identical copy with `rm -rf`, in one run; prints both times and the
+# ratio. Both copies are written before either is timed, so both start warm in the cache.
 #
 #   cmake --preset default && cmake --build --preset default --target xcode_cleanup_delete_bench
-#   bench/xcode_cleanup/delete_vs_rm.sh [build/default] [projects] [folders] [files]
+#   bench/xcode_cleanup/delete_vs_rm.sh [build/default] [files]
 set -euo pipefail
 
 build=${1:-build/default}
-projects=${2:-20}
-folders=${3:-50}
-files=${4:-100}
+files=${2:-100000}
 bench="$build/bench/xcode_cleanup/xcode_cleanup_delete_bench"
 [[ -x $bench ]] || { echo "build $bench first" >&2; exit 1; }
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-# Each project is a derived data folder "Name-hash" with an info.plist, module caches and
-# many small object files, as a build leaves them.
-make_tree() {
-    local dd=$1/Library/Developer/Xcode/DerivedData
-    mkdir -p "$dd"
-    for ((p = 0; p < projects; p++)); do
-        local project="$dd/Project_$p-$(printf '%028x' "$p")"
-        mkdir -p "$project"
-        printf '<?xml version="1.0"?><plist version="1.0"><dict><key>WorkspacePath</key><string>/src/P%d.xcodeproj</string></dict></plist>' "$p" >"$project/info.plist"
-        for ((f = 0; f < folders; f++)); do
-            local folder="$project/Build/Intermediates.noindex/Target$f.build/Objects-normal/arm64"
-            mkdir -p "$folder"
-            (cd "$folder" && for ((i = 0; i < files; i++)); do printf 'object %d %d %d\n' "$p" "$f" "$i" >"o$i.o"; done)
-        done
-    done
-}
-
-make_tree "$work/a"
+"$bench" generate "$work/a" "$files" >/dev/null
 cp -a "$work/a" "$work/b"
-count=$(find "$work/a/Library/Developer/Xcode/DerivedData" -type f | wc -l)
+dd=Library/Developer/Xcode/DerivedData
+count=$(find "$work/a/$dd" -type f | wc -l)
 sync
 
-ours_ms=$("$bench" "$work/a/Library/Developer")
-start=$(date +%s%N)
-rm -rf "$work/b/Library/Developer/Xcode/DerivedData/"*
-rm_ms=$((($(date +%s%N) - start) / 1000000))
+# Each side runs once in each order, and the times are added, so neither profits from
+# going second (a quieter journal, a warmer cache).
+"$bench" generate "$work/c" "$files" >/dev/null
+cp -a "$work/c" "$work/d"
+sync
+time_rm() {
+    local start=$(date +%s%N)
+    rm -rf "$1/$dd/"*
+    echo $((($(date +%s%N) - start) / 1000000))
+}
+ours_first=$("$bench" delete "$work/a" 2>/dev/null)
+rm_second=$(time_rm "$work/b")
+sync
+rm_first=$(time_rm "$work/d")
+ours_second=$("$bench" delete "$work/c" 2>/dev/null)
+ours_ms=$((ours_first + ours_second))
+rm_ms=$((rm_first + rm_second))
 
-left=$(find "$work/a/Library/Developer/Xcode/DerivedData" -mindepth 1 | wc -l)
-[[ $left -eq 0 ]] || { echo "guarded deletion left $left items" >&2; exit 1; }
+left=$(find "$work/a/$dd" "$work/c/$dd" -mindepth 1 | wc -l)
+[[ $left -eq 0 ]] || { echo "guarded deletion left $left entries" >&2; exit 1; }
 echo "files: $count"
-echo "guarded deletion (measure + two checks + remove): ${ours_ms} ms"
-echo "rm -rf: ${rm_ms} ms"
-awk -v a="$ours_ms" -v b="$rm_ms" 'BEGIN { if (b > 0) printf "ratio (ours / rm -rf): %.2f\n", a / b }'
+echo "guarded deletion: ${ours_ms} ms (${ours_first} first, ${ours_second} second)"
+echo "rm -rf: ${rm_ms} ms (${rm_first} first, ${rm_second} second)"
+awk -v a="$ours_ms" -v b="$rm_ms" 'BEGIN { if (b > 0) printf "ratio (guarded / rm -rf): %.2f\n", a / b }'
