@@ -44,8 +44,9 @@ int deleteAll(const QString& home)
     timer.start();
     const XcodeDeletionResult result = manager->deleteItems({*row});
     const qint64 ms = timer.elapsed();
-    std::fprintf(stderr, "deleted %lld items, %lld failed, %lld bytes\n", static_cast<long long>(result.deletedItemCount),
-                 static_cast<long long>(result.failedItemCount), static_cast<long long>(result.reclaimedSize));
+    std::fprintf(stderr, "deleted %lld items, %lld failed, %lld bytes\n",
+                 static_cast<long long>(result.deletedItemCount), static_cast<long long>(result.failedItemCount),
+                 static_cast<long long>(result.reclaimedSize));
     std::printf("%lld\n", static_cast<long long>(ms));
     return result.failedItemCount == 0 ? 0 : 1;
 }
