@@ -74,7 +74,7 @@ TEST(AppViewModelAuthorizationTest, ChooseThatIsCancelledLosesNothing)
     ASSERT_TRUE(waitUntil([&] { return f.model->hasFileManager() && !f.model->scanning(); }));
     EXPECT_EQ(f.model->developerFolderPath(), elsewhere);
 
-    f.pickers.answerWith(std::nullopt);
+    f.pickers.cancelNext();
     f.model->chooseDeveloperFolder();
     EXPECT_TRUE(f.model->isRequestingDeveloperFolderAuthorization());
     EXPECT_FALSE(f.model->hasFileManager()) << "the manager is set aside while the panel is open";

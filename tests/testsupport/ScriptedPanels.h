@@ -25,6 +25,11 @@ public:
         m_steps.push_back([folder](const FolderRequest&) { return folder; });
     }
     void answerWith(Step step) { m_steps.push_back(std::move(step)); }
+    // The user closes the panel without choosing.
+    void cancelNext()
+    {
+        m_steps.push_back([](const FolderRequest&) -> std::optional<QString> { return std::nullopt; });
+    }
 
     void chooseFolder(const FolderRequest& request, Answer answer) override
     {

@@ -120,7 +120,7 @@ TEST(CleanupViewTest, AuthorizeScanTickDeleteAndSeeTheResult)
     EXPECT_EQ(s.label("authorizationDescriptionLabel")->text(), QStringLiteral("Scan and clean Xcode data."));
 
     // "Choose Folder" opens the panel at the Developer folder; the user cancels.
-    s.f.pickers.answerWith(std::nullopt);
+    s.f.pickers.cancelNext();
     s.button("chooseFolderPushButton")->click();
     ASSERT_TRUE(waitUntil([&] { return !s.f.model->isRequestingDeveloperFolderAuthorization(); }));
     ASSERT_EQ(s.f.pickers.requests.size(), 1);
