@@ -13,6 +13,7 @@ FolderAuthorizationRequiredView::FolderAuthorizationRequiredView(const QString& 
                                                                  const QString& systemImage,
                                                                  QWidget* parent)
     : QWidget(parent)
+    , m_description(new QLabel(description))
     , m_errorLabel(new QLabel)
     , m_error(new QWidget)
     , m_actions(new QHBoxLayout)
@@ -29,7 +30,7 @@ FolderAuthorizationRequiredView::FolderAuthorizationRequiredView(const QString& 
     layout->addWidget(icon);
 
     auto* title = new QLabel(QStringLiteral("Folder Authorization Required"));
-    title->setObjectName(QStringLiteral("authorizationTitleLabel"));
+    title->setObjectName(QStringLiteral("folderAuthorizationTitleLabel"));
     QFont font = title->font();
     font.setPointSizeF(font.pointSizeF() * 1.4);
     font.setBold(true);
@@ -37,18 +38,17 @@ FolderAuthorizationRequiredView::FolderAuthorizationRequiredView(const QString& 
     title->setAlignment(Qt::AlignCenter);
     layout->addWidget(title);
 
-    auto* text = new QLabel(description);
-    text->setObjectName(QStringLiteral("authorizationDescriptionLabel"));
-    text->setAlignment(Qt::AlignCenter);
-    text->setWordWrap(true);
-    text->setForegroundRole(QPalette::PlaceholderText);
-    layout->addWidget(text);
+    m_description->setObjectName(QStringLiteral("folderAuthorizationDescriptionLabel"));
+    m_description->setAlignment(Qt::AlignCenter);
+    m_description->setWordWrap(true);
+    m_description->setForegroundRole(QPalette::PlaceholderText);
+    layout->addWidget(m_description);
 
     auto* errorRow = new QHBoxLayout(m_error);
     errorRow->setContentsMargins(0, 0, 0, 0);
     auto* warning = new QLabel;
     warning->setPixmap(symbolIcon(QStringLiteral("exclamationmark.triangle")).pixmap(16, 16));
-    m_errorLabel->setObjectName(QStringLiteral("authorizationErrorLabel"));
+    m_errorLabel->setObjectName(QStringLiteral("folderAuthorizationErrorLabel"));
     m_errorLabel->setWordWrap(true);
     errorRow->addStretch();
     errorRow->addWidget(warning);
@@ -64,6 +64,11 @@ FolderAuthorizationRequiredView::FolderAuthorizationRequiredView(const QString& 
     layout->addStretch();
 }
 
+void FolderAuthorizationRequiredView::setDescription(const QString& description)
+{
+    m_description->setText(description);
+}
+
 void FolderAuthorizationRequiredView::setErrorMessage(const std::optional<QString>& message)
 {
     m_errorLabel->setText(message.value_or(QString()));
@@ -77,9 +82,10 @@ std::optional<QString> FolderAuthorizationRequiredView::errorMessage() const
     return m_errorLabel->text();
 }
 
-QPushButton* FolderAuthorizationRequiredView::addAction(const QString& title)
+QPushButton* FolderAuthorizationRequiredView::addAction(const QString& title, const QString& objectName)
 {
     auto* button = new QPushButton(title);
+    button->setObjectName(objectName);
     // Insert before the trailing stretch so the buttons stay centred together.
     const int index = m_actions->count() - 1;
     if (index == 1)

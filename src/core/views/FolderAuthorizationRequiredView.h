@@ -18,13 +18,16 @@ class FolderAuthorizationRequiredView : public QWidget
 public:
     FolderAuthorizationRequiredView(const QString& description, const QString& systemImage, QWidget* parent = nullptr);
 
+    void setDescription(const QString& description);
     void setErrorMessage(const std::optional<QString>& message);
     std::optional<QString> errorMessage() const;
 
-    // Appends a button to the actions row; the first one added is the default.
-    QPushButton* addAction(const QString& title);
+    // Appends a button to the actions row; the first one added is the default. The caller
+    // connects it.
+    QPushButton* addAction(const QString& title, const QString& objectName);
 
 private:
+    QLabel* m_description;
     QLabel* m_errorLabel;
     QWidget* m_error;
     QHBoxLayout* m_actions;

@@ -72,10 +72,10 @@ CleanupView::CleanupView(AppViewModel& viewModel, QWidget* parent)
     authorizedLayout->addWidget(line);
     authorizedLayout->addWidget(m_footer);
 
-    QPushButton* choose = m_authorization->addAction(QStringLiteral("Choose Folder"));
-    choose->setObjectName(QStringLiteral("chooseFolderPushButton"));
-    QPushButton* download = m_authorization->addAction(QStringLiteral("Download Xcode"));
-    download->setObjectName(QStringLiteral("downloadXcodePushButton"));
+    QPushButton* choose
+        = m_authorization->addAction(QStringLiteral("Choose Folder"), QStringLiteral("chooseFolderPushButton"));
+    QPushButton* download
+        = m_authorization->addAction(QStringLiteral("Download Xcode"), QStringLiteral("downloadXcodePushButton"));
     connect(choose, &QPushButton::clicked, &m_viewModel, &AppViewModel::startInitialScan);
     connect(download, &QPushButton::clicked, this, [this] {
         if (Workspace* workspace = m_viewModel.workspace())

@@ -116,8 +116,8 @@ TEST(CleanupViewTest, AuthorizeScanTickDeleteAndSeeTheResult)
     EXPECT_TRUE(s.view->isShowingAuthorization());
     EXPECT_TRUE(s.f.pickers.requests.isEmpty());
     EXPECT_FALSE(s.view->rescanAction()->isEnabled());
-    EXPECT_EQ(s.label("authorizationTitleLabel")->text(), QStringLiteral("Folder Authorization Required"));
-    EXPECT_EQ(s.label("authorizationDescriptionLabel")->text(), QStringLiteral("Scan and clean Xcode data."));
+    EXPECT_EQ(s.label("folderAuthorizationTitleLabel")->text(), QStringLiteral("Folder Authorization Required"));
+    EXPECT_EQ(s.label("folderAuthorizationDescriptionLabel")->text(), QStringLiteral("Scan and clean Xcode data."));
 
     // "Choose Folder" opens the panel at the Developer folder; the user cancels.
     s.f.pickers.cancelNext();
