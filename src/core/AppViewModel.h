@@ -1,21 +1,33 @@
 #pragma once
 
+#include <QDateTime>
 #include <QList>
 #include <QObject>
+#include <QSet>
 #include <QString>
+#include <QUuid>
 #include <array>
 #include <memory>
 #include <optional>
+#include <vector>
 
+#include "core/state/URLBookmark.h"
+#include "platform/UserPaths.h"
+#include "xcode_cleanup/XcodeFileProperties.h"
 #include "xcode_releases/Column.h"
 #include "xcode_releases/XcodeRelease.h"
 
 namespace quillbay {
 
+class Alerts;
 class Defaults;
+class FolderAuthorization;
+class Pickers;
 class SavedSpaceStore;
 class Workspace;
 class XcodeReleaseService;
+class XcodeFileManager;
+template <typename Service> class SerialExecutor;
 
 // The store of the three Xcode tools: release list and its columns, the cleanup scan and
 // clean state, the asset-maker inputs, the appearance and the custom folder lists.
@@ -71,8 +83,55 @@ public:
     qint64 appearanceIndex() const { return m_appearanceIndex; }
     void setAppearanceIndex(qint64 index);
 
-    // --- Developer folder authorization ------------------------------------------------
+    // === Xcode cleanup: folder authorization, scan, selection, clean ====================
+    // (AppViewModelAuthorization.cpp, AppViewModelCleanup.cpp)
+    enum class CustomFolderKind {
+        archives,
+        derivedData,
+    };
+    static constexpr auto xcodeBundleIdentifier = "com.apple.dt.Xcode";
+
+    // Where the Developer folder and the custom folder lists are, and the desktop to ask
+    // about running applications. Loads the two custom folder lists; call once, right
+    // after construction.
+    void setCleanupPlatform(const UserPaths& userPaths, Workspace* workspace);
+    // The open panel and the alert of the authorization request; not owned, may be null.
+    void setCleanupPanels(Pickers* pickers, Alerts* alerts);
+
     bool isDeveloperFolderAuthorized() const { return m_isDeveloperFolderAuthorized; }
+    bool isRequestingDeveloperFolderAuthorization() const { return m_isRequestingDeveloperFolderAuthorization; }
+    bool hasFileManager() const { return m_fileManager != nullptr; }
+    // The folder the file manager works on; empty without one.
+    QString developerFolderPath() const { return m_developerFolderPath; }
+    const QList<URLBookmark>& customArchivesFolders() const { return m_customArchivesFolders; }
+    const QList<URLBookmark>& customDerivedDataFolders() const { return m_customDerivedDataFolders; }
+    bool settingViewAlert() const { return m_settingViewAlert; }
+    QString settingViewAlertTitle() const { return m_settingViewAlertTitle; }
+    QString settingViewAlertMessage() const { return m_settingViewAlertMessage; }
+    void dismissSettingViewAlert();
+
+    void requestDeveloperFolderAuthorization(bool interactive);
+    void chooseDeveloperFolder();
+    void removeDeveloperFolderAuthorization();
+    void addCustomFolder(CustomFolderKind kind);
+    void removeCustomFolders(CustomFolderKind kind, const QSet<QUuid>& ids);
+
+    const std::vector<XcodeFileProperties>& localFiles() const { return m_localFiles; }
+    bool scanning() const { return m_scanning; }
+    bool cleaning() const { return m_cleaning; }
+    bool disableClean() const { return m_disableClean; }
+    qint64 totalSize() const { return m_totalSize; }
+    qint64 selectedSize() const { return m_selectedSize; }
+    bool hasContent() const;
+
+    void startInitialScan();
+    void rescan();
+    void clean();
+    void selectAll(bool value);
+    // The check mark of one row, read and written by id anywhere in the tree.
+    bool isSelected(const QUuid& id) const;
+    void setSelected(const QUuid& id, bool value);
+    bool isXcodeRunning() const;
 
     // --- Xcode releases (AppViewModelReleases.cpp) ---------------------------------------
     // Feed order, replaced whole on every good decode; rows are told apart by `id`.
@@ -94,6 +153,7 @@ public:
     bool applyReleaseData(const QByteArray& bytes);
 
     XcodeReleaseService& xcodeReleaseService() const { return *m_xcodeReleaseService; }
+    // The desktop: the one given to setCleanupPlatform, else the store's own.
     Workspace& workspace() const { return *m_workspace; }
     // Swaps the feed's service or the desktop for another, before the start-up tasks run
     // (tests, another feed host).
@@ -104,6 +164,15 @@ signals:
     void releasesChanged();
     void hasErrorChanged(bool hasError);
     void xcodeVersionChanged();
+    // --- Xcode cleanup ---
+    void localFilesChanged();
+    // One location's rows were replaced during a scan (all rows are rebuilt).
+    void cleanupStateChanged();
+    void selectionChanged();
+    void settingViewAlertChanged();
+    void customFoldersChanged();
+    // A clean deleted something and nothing failed: an action worth counting.
+    void successfulActionCompleted(const QDateTime& when);
 
     void toastMessageChanged();
     void onlyReleaseChanged(bool value);
@@ -119,6 +188,26 @@ private:
     bool m_onlyRelease = true;
     std::array<bool, releaseColumnCount> m_releaseColumns {};
     qint64 m_appearanceIndex = 0;
+
+    // === Xcode cleanup ===
+    using FileManagerExecutor = SerialExecutor<XcodeFileManager>;
+
+    void configureFileManager(const QString& url);
+    void performScan(const std::shared_ptr<FileManagerExecutor>& manager);
+    void scanNextLocation(const std::weak_ptr<FileManagerExecutor>& manager, int location);
+    void finishScan(FileManagerExecutor& manager);
+    void setLocalFiles(std::vector<XcodeFileProperties> files);
+    void refreshSelectionState();
+    void setScanning(bool value);
+    void setCleaning(bool value);
+    void setDeveloperFolderAuthorized(bool value);
+    void showSettingViewAlert(const QString& title, const QString& message);
+    QList<URLBookmark>& customFolders(CustomFolderKind kind);
+    void saveAndRescanCustomFolders(CustomFolderKind kind);
+
+    UserPaths m_userPaths = UserPaths::system();
+    Workspace* m_workspace = nullptr;
+    FolderAuthorization* m_folderAuthorization = nullptr;
     bool m_isDeveloperFolderAuthorized = false;
 
     // --- Xcode releases ------------------------------------------------------------------
@@ -129,8 +218,23 @@ private:
     QList<XcodeRelease> m_releases;
     bool m_hasError = false;
     QString m_xcodeVersion;
-    std::unique_ptr<Workspace> m_workspace;
+    std::unique_ptr<Workspace> m_ownedWorkspace;
     std::unique_ptr<XcodeReleaseService> m_xcodeReleaseService;
+    bool m_isRequestingDeveloperFolderAuthorization = false;
+    std::shared_ptr<FileManagerExecutor> m_fileManager;
+    QString m_developerFolderPath;
+    QList<URLBookmark> m_customArchivesFolders;
+    QList<URLBookmark> m_customDerivedDataFolders;
+    bool m_settingViewAlert = false;
+    QString m_settingViewAlertTitle;
+    QString m_settingViewAlertMessage;
+    std::vector<XcodeFileProperties> m_localFiles;
+    bool m_scanning = false;
+    bool m_toastAfterScan = false;
+    bool m_cleaning = false;
+    bool m_disableClean = true;
+    qint64 m_totalSize = 0;
+    qint64 m_selectedSize = 0;
 };
 
 } // namespace quillbay

@@ -30,7 +30,8 @@ std::optional<QByteArray> readCachedFeed(const CacheManager& cache)
 
 void AppViewModel::initReleases()
 {
-    m_workspace = Workspace::createSystem();
+    m_ownedWorkspace = Workspace::createSystem();
+    m_workspace = m_ownedWorkspace.get();
     m_xcodeReleaseService = XcodeReleaseService::createDefault();
     // The two start-up tasks run once construction is over, on this thread.
     QMetaObject::invokeMethod(this, &AppViewModel::startReleaseTasks, Qt::QueuedConnection);
@@ -55,7 +56,8 @@ void AppViewModel::replaceXcodeReleaseService(std::unique_ptr<XcodeReleaseServic
 void AppViewModel::replaceWorkspace(std::unique_ptr<Workspace> workspace)
 {
     Q_ASSERT(workspace);
-    m_workspace = std::move(workspace);
+    m_ownedWorkspace = std::move(workspace);
+    m_workspace = m_ownedWorkspace.get();
 }
 
 Column AppViewModel::tableColumn(ReleaseColumn column)

@@ -38,12 +38,16 @@ QuillbayApp::QuillbayApp(std::unique_ptr<Defaults> defaults, std::unique_ptr<Pic
     : QObject(parent)
     , m_defaults(std::move(defaults))
     , m_pickers(pickers ? std::move(pickers) : std::make_unique<CancellingPickers>())
+    , m_workspace(Workspace::createSystem())
 {
     // The order matters: later stores take references to earlier ones.
     buildVersionManager();
     m_savedSpaceStore = std::make_unique<SavedSpaceStore>(*m_defaults, QLatin1String(SavedSpaceStore::defaultKey));
     buildEngagement();
     m_viewModel = std::make_unique<AppViewModel>(*m_defaults, *m_savedSpaceStore);
+    m_viewModel->setCleanupPlatform(UserPaths::system(), m_workspace.get());
+    connect(m_viewModel.get(), &AppViewModel::successfulActionCompleted, m_engagementPromptStore.get(),
+            &EngagementPromptStore::recordSuccessfulAction);
     m_homebrewCacheCleanupStore = std::make_unique<HomebrewCacheCleanupStore>(HomebrewCacheCleanupServices {
         *m_defaults, *m_savedSpaceStore, *m_pickers, UserPaths::system(),
         [this](const QDateTime& when) { m_engagementPromptStore->recordSuccessfulAction(when); }});
@@ -53,7 +57,6 @@ QuillbayApp::QuillbayApp(std::unique_ptr<Defaults> defaults, std::unique_ptr<Pic
 
 void QuillbayApp::buildVersionManager()
 {
-    m_workspace = Workspace::createSystem();
     m_network = std::make_unique<QNetworkAccessManager>();
     const auto configuration = VersionCheckConfiguration::make(
         QStringLiteral(QUILLBAY_UPDATE_URL), secrets::updateSecret.unmask(), QStringLiteral(QUILLBAY_APP_ID));

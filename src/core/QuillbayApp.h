@@ -44,6 +44,7 @@ public:
     AppViewModel& viewModel() const { return *m_viewModel; }
     Pickers& pickers() const { return *m_pickers; }
     HomebrewCacheCleanupStore& homebrewCacheCleanupStore() const { return *m_homebrewCacheCleanupStore; }
+    Workspace& workspace() const { return *m_workspace; }
 
     bool didCheckVersion() const { return m_didCheckVersion; }
 
@@ -51,7 +52,6 @@ public:
     VersionManager& versionManager() const { return *m_versionManager; }
     EngagementPromptStore& engagementPromptStore() const { return *m_engagementPromptStore; }
     PurchaseService& purchaseService() const { return *m_purchaseService; }
-    Workspace& workspace() const { return *m_workspace; }
     // False when the build carries no usable update-service configuration: no check runs.
     bool hasVersionCheckConfiguration() const { return m_hasVersionCheckConfiguration; }
     // True while a required update is known; the window shows its alert.

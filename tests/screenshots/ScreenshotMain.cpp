@@ -44,6 +44,7 @@ int main(int argc, char** argv)
         {"xcode releases", quillbay::screenshots::renderXcodeReleasesScreenshots},
         {"homebrew-cache", quillbay::screenshots::renderHomebrewCacheScreenshots},
         {"engagement", quillbay::screenshots::renderEngagementScreenshots},
+        {"xcode-cleanup", quillbay::screenshots::renderXcodeCleanupScreenshots},
     };
     for (const auto& [name, render] : renderers) {
         std::printf("== %s\n", name);

@@ -13,5 +13,6 @@ void renderShellScreenshots(const QString& outDir);
 void renderXcodeReleasesScreenshots(const QString& outDir);
 void renderHomebrewCacheScreenshots(const QString& outDir);
 void renderEngagementScreenshots(const QString& outDir);
+void renderXcodeCleanupScreenshots(const QString& outDir);
 
 } // namespace quillbay::screenshots

@@ -67,6 +67,15 @@ const QHash<QString, QStringList>& symbolTable()
         {QStringLiteral("power"), {QStringLiteral("system-shutdown"), QStringLiteral("application-exit")}},
         {QStringLiteral("heart.circle.fill"), {QStringLiteral("love"), QStringLiteral("emblem-favorite")}},
         {QStringLiteral("leaf.fill"), {QStringLiteral("run-clean"), QStringLiteral("flag-green")}},
+        {QStringLiteral("info.circle.fill"), {QStringLiteral("dialog-information"), QStringLiteral("help-about")}},
+        {QStringLiteral("externaldrive.badge.questionmark"),
+         {QStringLiteral("drive-harddisk"), QStringLiteral("dialog-question")}},
+        {QStringLiteral("checkmark.circle"), {QStringLiteral("dialog-ok-apply"), QStringLiteral("checkmark")}},
+        {QStringLiteral("iphone"), {QStringLiteral("smartphone"), QStringLiteral("phone")}},
+        {QStringLiteral("applewatch"), {QStringLiteral("smartwatch"), QStringLiteral("chronometer")}},
+        {QStringLiteral("tv"), {QStringLiteral("video-television"), QStringLiteral("input-tvremote")}},
+        {QStringLiteral("vision.pro"), {QStringLiteral("video-headset"), QStringLiteral("audio-headset")}},
+        {QStringLiteral("desktopcomputer"), {QStringLiteral("computer"), QStringLiteral("video-display")}},
     };
     return table;
 }

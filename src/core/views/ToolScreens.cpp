@@ -1,9 +1,11 @@
 #include "core/views/ToolScreens.h"
 
+#include "core/AppViewModel.h"
 #include "core/QuillbayApp.h"
 #include "core/views/ComingSoonPanel.h"
-#include "xcode_releases/views/XcodeReleasesView.h"
 #include "homebrew_cache/views/HomebrewCacheCleanupView.h"
+#include "xcode_cleanup/views/CleanupView.h"
+#include "xcode_releases/views/XcodeReleasesView.h"
 
 namespace quillbay {
 
@@ -12,10 +14,11 @@ QWidget* createToolScreen(Tool tool, QuillbayApp& app, QWidget* parent)
     switch (tool) {
     case Tool::homebrewCleanup:
         return new HomebrewCacheCleanupView(app.homebrewCacheCleanupStore(), parent);
+    case Tool::xcodeCleanup:
+        return new CleanupView(app.viewModel(), parent);
     case Tool::xcodeReleases:
         return new XcodeReleasesView(app.viewModel(), parent);
     case Tool::assetsMaker:
-    case Tool::xcodeCleanup:
     case Tool::homebrewCatalog:
     case Tool::homebrewInstalled:
         break;

@@ -35,12 +35,20 @@ TEST(SavedSpaceStoreTest, AddsSaturatesAndPersists)
         store.add(1);
         EXPECT_EQ(store.totalBytes(), kMax);
         EXPECT_EQ(changed.count(), 2) << "a saturated add does not notify";
+        // ...but it still writes, so a stored value that drifted is made current again.
+        defaults.setValue(key, 7);
+        store.add(1);
+        EXPECT_EQ(defaults.integerValue(key, -1), kMax);
+        EXPECT_EQ(changed.count(), 2);
         defaults.sync();
     }
     SettingsDefaults reopened(file);
     SavedSpaceStore again(reopened, key);
     EXPECT_EQ(again.totalBytes(), kMax);
+    QSignalSpy resets(&again, &SavedSpaceStore::totalBytesChanged);
     again.reset();
+    again.reset();
+    EXPECT_EQ(resets.count(), 1) << "only a reset that moves the total notifies";
     reopened.sync();
     EXPECT_EQ(SettingsDefaults(file).integerValue(key, -1), 0);
 }

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QString>
+#include <optional>
+#include <stop_token>
+
+namespace quillbay {
+
+// a + b for byte counts; an overflow is a programming error and stops the program.
+qint64 checkedByteSum(qint64 a, qint64 b);
+
+// Threads a directory measure may use, the calling one included. More than the cores:
+// with a cold cache most of them wait on directory reads.
+int defaultMeasureThreadCount();
+// Overrides the default for the process (0 restores it); for benchmarks that compare counts.
+void setDefaultMeasureThreadCount(int threads);
+
+// The allocated bytes (st_blocks * 512) of every regular file below `path`, each link to
+// a file counted where it stands; folders, symbolic links and other kinds count nothing,
+// and links are never followed, the start included. Fails (absent) when `path` is not a
+// folder, when any folder below cannot be listed or any entry cannot be examined, and when
+// `stop` is requested: one unreadable corner makes the whole figure unknown rather than
+// quietly smaller. The total does not depend on the thread count or on timing.
+std::optional<qint64> measureDirectory(const QString& path, std::stop_token stop = {}, int threadCount = 0);
+
+// The allocated bytes of the item itself when it is a regular file, otherwise 0 (a
+// folder, a link); absent when it cannot be examined.
+std::optional<qint64> measureSingleItem(const QString& path);
+
+} // namespace quillbay

@@ -1,0 +1,202 @@
+#include <QFile>
+#include <QSignalSpy>
+
+#include <gtest/gtest.h>
+
+#include "core/state/URLBookmarkManager.h"
+#include "platform/FolderBookmark.h"
+#include "testsupport/CleanupFlowFixture.h"
+
+using namespace quillbay;
+using namespace quillbay::test;
+
+namespace {
+
+const QString kKey = QStringLiteral("DeveloperFolderBookmarkKey");
+
+} // namespace
+
+TEST(AppViewModelAuthorizationTest, SilentRequestsNeverShowAPanel)
+{
+    const struct
+    {
+        const char* name;
+        bool buildTree;
+        QByteArray storedKey;
+        bool expectAuthorized;
+        bool expectFileManager;
+    } cases[] = {
+        {"no Developer folder, no bookmark", false, {}, false, false},
+        {"no Developer folder, an unusable bookmark on record", false, "junk", true, false},
+        {"a Developer folder that can be reached", true, {}, true, true},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        CleanupFlowFixture f;
+        if (c.buildTree)
+            f.buildDeveloperTree();
+        if (!c.storedKey.isEmpty())
+            f.defaults.setValue(kKey, c.storedKey);
+        f.makeModel();
+        EXPECT_EQ(f.model->isDeveloperFolderAuthorized(), !c.storedKey.isEmpty()) << "read from the key alone";
+        f.model->requestDeveloperFolderAuthorization(false);
+        ASSERT_TRUE(waitUntil([&] { return !f.model->isRequestingDeveloperFolderAuthorization(); }));
+        ASSERT_TRUE(f.waitForIdle());
+        EXPECT_EQ(f.model->isDeveloperFolderAuthorized(), c.expectAuthorized);
+        EXPECT_EQ(f.model->hasFileManager(), c.expectFileManager);
+        EXPECT_TRUE(f.pickers.requests.isEmpty());
+        EXPECT_EQ(f.model->localFiles().size(), c.expectFileManager ? 6 : 0) << "a built manager scans at once";
+    }
+}
+
+TEST(AppViewModelAuthorizationTest, AFolderWithoutXcodeCannotBeAuthorized)
+{
+    CleanupFlowFixture f;
+    f.tree.mkdir(QStringLiteral("home/Library/Developer"));
+    f.model->requestDeveloperFolderAuthorization(false);
+    ASSERT_TRUE(waitUntil([&] { return !f.model->isRequestingDeveloperFolderAuthorization(); }));
+    EXPECT_FALSE(f.model->hasFileManager());
+    EXPECT_FALSE(f.model->isDeveloperFolderAuthorized());
+    EXPECT_FALSE(f.model->scanning());
+}
+
+TEST(AppViewModelAuthorizationTest, ChooseThatIsCancelledLosesNothing)
+{
+    CleanupFlowFixture f;
+    // The default folder is missing; the bookmark on record leads to a Developer folder
+    // elsewhere, which is what the first request finds.
+    f.tree.writeFile(QStringLiteral("elsewhere/Developer/Xcode/DerivedData/.keep"), "");
+    const QString elsewhere = f.tree.path(QStringLiteral("elsewhere/Developer"));
+    const QByteArray bookmark = FolderBookmark::make(elsewhere);
+    f.defaults.setValue(kKey, bookmark);
+    f.model->requestDeveloperFolderAuthorization(false);
+    ASSERT_TRUE(f.waitForIdle());
+    ASSERT_TRUE(waitUntil([&] { return f.model->hasFileManager() && !f.model->scanning(); }));
+    EXPECT_EQ(f.model->developerFolderPath(), elsewhere);
+
+    f.pickers.cancelNext();
+    f.model->chooseDeveloperFolder();
+    EXPECT_TRUE(f.model->isRequestingDeveloperFolderAuthorization());
+    EXPECT_FALSE(f.model->hasFileManager()) << "the manager is set aside while the panel is open";
+    ASSERT_TRUE(waitUntil([&] { return !f.model->isRequestingDeveloperFolderAuthorization(); }));
+    EXPECT_EQ(f.pickers.requests.size(), 1);
+    EXPECT_TRUE(f.model->hasFileManager());
+    EXPECT_TRUE(f.model->isDeveloperFolderAuthorized());
+    EXPECT_EQ(f.model->developerFolderPath(), elsewhere);
+    EXPECT_EQ(f.defaults.dataValue(kKey), bookmark);
+
+    // Picking another folder is refused with the alert; "Repeat" shows the panel again,
+    // where the user now gets it right.
+    f.pickers.answerWith(elsewhere);
+    f.alerts.pressButton(0);
+    f.pickers.answerWith([&](const Pickers::FolderRequest& request) -> std::optional<QString> {
+        f.tree.writeFile(QStringLiteral("home/Library/Developer/Xcode/DerivedData/.keep"), "");
+        return request.directory;
+    });
+    f.model->chooseDeveloperFolder();
+    ASSERT_TRUE(waitUntil([&] { return !f.model->isRequestingDeveloperFolderAuthorization(); }));
+    ASSERT_TRUE(f.waitForIdle());
+    EXPECT_EQ(f.pickers.requests.size(), 3);
+    EXPECT_EQ(f.alerts.requests.size(), 1);
+    EXPECT_EQ(f.model->developerFolderPath(), f.developer);
+    EXPECT_EQ(QDir::cleanPath(FolderBookmark::resolve(f.defaults.dataValue(kKey))->path), f.developer);
+}
+
+TEST(AppViewModelAuthorizationTest, RemoveAuthorizationClearsEverything)
+{
+    CleanupFlowFixture f;
+    f.buildDeveloperTree();
+    f.defaults.setValue(kKey, FolderBookmark::make(f.developer));
+    // While a scan runs (seen as its rows land) the request is refused.
+    int refusedDuringScan = 0;
+    QObject::connect(f.model.get(), &AppViewModel::localFilesChanged, f.model.get(), [&] {
+        if (!f.model->scanning() || !f.model->hasFileManager())
+            return;
+        f.model->removeDeveloperFolderAuthorization();
+        refusedDuringScan += f.model->hasFileManager() ? 1 : 0;
+    });
+    f.model->requestDeveloperFolderAuthorization(false);
+    ASSERT_TRUE(waitUntil([&] { return f.model->hasFileManager(); }));
+    ASSERT_TRUE(f.waitForIdle());
+    EXPECT_EQ(refusedDuringScan, 8);
+    QObject::disconnect(f.model.get(), &AppViewModel::localFilesChanged, nullptr, nullptr);
+    f.model->selectAll(true);
+    EXPECT_GT(f.model->totalSize(), 0);
+    EXPECT_FALSE(f.model->disableClean());
+    f.model->removeDeveloperFolderAuthorization();
+    EXPECT_FALSE(f.model->hasFileManager());
+    EXPECT_FALSE(f.model->isDeveloperFolderAuthorized());
+    EXPECT_FALSE(f.defaults.contains(kKey));
+    EXPECT_TRUE(f.model->localFiles().empty());
+    EXPECT_EQ(f.model->totalSize(), 0);
+    EXPECT_EQ(f.model->selectedSize(), 0);
+    EXPECT_TRUE(f.model->disableClean());
+}
+
+TEST(AppViewModelAuthorizationTest, CustomFoldersAreSavedScannedAndRemoved)
+{
+    CleanupFlowFixture f;
+    f.buildDeveloperTree();
+    const QString custom = f.tree.mkdir(QStringLiteral("Builds"));
+    const QString customProject = f.addDerivedData(QStringLiteral("Custom_Project"), 30000, custom);
+    f.model->requestDeveloperFolderAuthorization(false);
+    ASSERT_TRUE(waitUntil([&] { return f.model->hasFileManager(); }));
+    ASSERT_TRUE(f.waitForIdle());
+    EXPECT_EQ(f.find(QStringLiteral("Custom Project")), nullptr);
+
+    const struct
+    {
+        const char* name;
+        std::optional<QString> pick;
+        QString alertMessage;
+        int listSize;
+    } adds[] = {
+        {"cancelled", std::nullopt, {}, 0},
+        {"a folder that is not there", f.tree.path(QStringLiteral("nowhere")),
+         QStringLiteral("Access to this folder is denied."), 0},
+        {"a real folder", custom, {}, 1},
+    };
+    for (const auto& a : adds) {
+        SCOPED_TRACE(a.name);
+        f.model->dismissSettingViewAlert();
+        f.pickers.answerWith(a.pick);
+        const int answered = f.pickers.answered;
+        f.model->addCustomFolder(AppViewModel::CustomFolderKind::derivedData);
+        ASSERT_TRUE(waitUntil([&] { return f.pickers.answered == answered + 1; }));
+        EXPECT_EQ(f.model->scanning(), a.listSize == 1) << "only a new folder starts a scan";
+        ASSERT_TRUE(f.waitForIdle());
+        EXPECT_EQ(f.pickers.requests.last().message, QStringLiteral("Choose a new location"));
+        EXPECT_EQ(f.pickers.requests.last().prompt, QStringLiteral("Choose"));
+        EXPECT_EQ(f.model->settingViewAlert(), !a.alertMessage.isEmpty());
+        if (!a.alertMessage.isEmpty()) {
+            EXPECT_EQ(f.model->settingViewAlertTitle(), QStringLiteral("Can't choose this folder"));
+            EXPECT_EQ(f.model->settingViewAlertMessage(), a.alertMessage);
+        }
+        EXPECT_EQ(f.model->customDerivedDataFolders().size(), a.listSize);
+    }
+    const XcodeFileProperties* project = f.find(QStringLiteral("Custom Project"));
+    ASSERT_NE(project, nullptr) << "the new folder is scanned at once";
+    const URLBookmarkManager bookmarks(UserPaths::forHome(f.home).programDataFolder());
+    const QList<URLBookmark> stored = bookmarks.load(URLBookmarkManager::File::customDerivedData);
+    ASSERT_EQ(stored.size(), 1);
+    EXPECT_EQ(stored[0].urlString, custom);
+    EXPECT_TRUE(bookmarks.load(URLBookmarkManager::File::customArchives).isEmpty());
+
+    // A new model loads the list at construction.
+    f.makeModel();
+    ASSERT_EQ(f.model->customDerivedDataFolders().size(), 1);
+    EXPECT_EQ(f.model->customDerivedDataFolders()[0].url, custom);
+    f.model->requestDeveloperFolderAuthorization(false);
+    ASSERT_TRUE(waitUntil([&] { return f.model->hasFileManager(); }));
+    ASSERT_TRUE(f.waitForIdle());
+    EXPECT_NE(f.find(QStringLiteral("Custom Project")), nullptr);
+
+    f.model->removeCustomFolders(AppViewModel::CustomFolderKind::derivedData,
+                                 {f.model->customDerivedDataFolders()[0].id});
+    EXPECT_TRUE(f.model->scanning());
+    ASSERT_TRUE(f.waitForIdle());
+    EXPECT_TRUE(f.model->customDerivedDataFolders().isEmpty());
+    EXPECT_EQ(f.find(QStringLiteral("Custom Project")), nullptr);
+    EXPECT_TRUE(bookmarks.load(URLBookmarkManager::File::customDerivedData).isEmpty());
+    EXPECT_TRUE(QFile::exists(customProject)) << "removing a location deletes nothing";
+}

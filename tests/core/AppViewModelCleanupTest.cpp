@@ -1,0 +1,262 @@
+#include <QFile>
+#include <QFileInfo>
+#include <QSignalSpy>
+
+#include <gtest/gtest.h>
+
+#include "foundation/ByteCount.h"
+#include "testsupport/CleanupFlowFixture.h"
+#include "testsupport/ImmutableFile.h"
+
+using namespace quillbay;
+using namespace quillbay::test;
+
+namespace {
+
+struct ScannedFixture : CleanupFlowFixture
+{
+    ScannedFixture()
+    {
+        buildDeveloperTree();
+        model->requestDeveloperFolderAuthorization(false);
+        EXPECT_TRUE(waitUntil([&] { return model->hasFileManager(); }));
+        EXPECT_TRUE(waitForIdle());
+    }
+
+    void select(const QString& label)
+    {
+        const XcodeFileProperties* node = find(label);
+        ASSERT_NE(node, nullptr) << label.toStdString();
+        model->setSelected(node->id, true);
+    }
+
+    // Runs one clean to the end of its rescan. A clean with nothing to do may land before
+    // clean() returns, so its start is seen through the signal.
+    void cleanAndWait()
+    {
+        bool started = false;
+        const auto watch = QObject::connect(model.get(), &AppViewModel::cleanupStateChanged, model.get(),
+                                            [&] { started = started || model->cleaning(); });
+        model->clean();
+        QObject::disconnect(watch);
+        ASSERT_TRUE(started);
+        ASSERT_TRUE(waitForIdle());
+    }
+};
+
+} // namespace
+
+TEST(AppViewModelCleanupTest, ScanShowsTheLocationsFirstThenFillsThemOneByOne)
+{
+    CleanupFlowFixture f;
+    f.buildDeveloperTree();
+    QList<QList<bool>> knownSizes;
+    QObject::connect(f.model.get(), &AppViewModel::localFilesChanged, f.model.get(), [&] {
+        QList<bool> known;
+        for (const XcodeFileProperties& row : f.model->localFiles())
+            known << row.size.isKnown();
+        knownSizes << known;
+    });
+    f.model->requestDeveloperFolderAuthorization(false);
+    ASSERT_TRUE(waitUntil([&] { return f.model->hasFileManager(); }));
+    ASSERT_TRUE(f.waitForIdle());
+    // Cleared, the six empty rows, then one rebuild per location.
+    ASSERT_EQ(knownSizes.size(), 8);
+    EXPECT_TRUE(knownSizes[0].isEmpty());
+    EXPECT_EQ(knownSizes[1], QList<bool>(6, false));
+    for (int step = 2; step < 8; ++step) {
+        SCOPED_TRACE(step);
+        for (int row = 0; row < 6; ++row)
+            EXPECT_EQ(knownSizes[step][row], row <= step - 2);
+    }
+    qint64 sum = 0;
+    for (const XcodeFileProperties& row : f.model->localFiles())
+        sum += row.size.bytesOrZero();
+    EXPECT_EQ(f.model->totalSize(), sum);
+    EXPECT_GT(sum, 300000);
+    EXPECT_TRUE(f.model->hasContent());
+    EXPECT_FALSE(f.model->toastMessage()) << "the first scan reports nothing";
+
+    f.model->rescan();
+    ASSERT_TRUE(f.waitForIdle());
+    EXPECT_EQ(f.model->toastMessage(), QStringLiteral("Completed"));
+}
+
+TEST(AppViewModelCleanupTest, SelectionRollsUpAndDownAndSetsTheSelectedSize)
+{
+    ScannedFixture f;
+    EXPECT_TRUE(f.model->disableClean());
+    const XcodeFileProperties* derived = f.find(QStringLiteral("Derived Data"));
+    ASSERT_NE(derived, nullptr);
+    ASSERT_TRUE(derived->children);
+    ASSERT_EQ(derived->children->size(), 2);
+    const QUuid derivedId = derived->id;
+    const QUuid first = derived->children->at(0).id;
+    const QUuid second = derived->children->at(1).id;
+    const qint64 firstSize = derived->children->at(0).size.bytesOrZero();
+    const qint64 derivedSize = derived->size.bytesOrZero();
+
+    f.model->setSelected(first, true);
+    EXPECT_FALSE(f.model->isSelected(derivedId));
+    EXPECT_EQ(f.model->selectedSize(), firstSize);
+    EXPECT_FALSE(f.model->disableClean());
+    f.model->setSelected(second, true);
+    EXPECT_TRUE(f.model->isSelected(derivedId)) << "the last child checks the parent";
+    EXPECT_EQ(f.model->selectedSize(), derivedSize) << "a row without paths adds only its children";
+    f.model->setSelected(first, false);
+    EXPECT_FALSE(f.model->isSelected(derivedId));
+    f.model->setSelected(derivedId, true);
+    EXPECT_TRUE(f.model->isSelected(first)) << "a checked parent checks every child";
+    f.model->selectAll(false);
+    EXPECT_EQ(f.model->selectedSize(), 0);
+    EXPECT_TRUE(f.model->disableClean());
+    f.model->selectAll(true);
+    EXPECT_EQ(f.model->selectedSize(), f.model->totalSize());
+    EXPECT_FALSE(f.model->isSelected(QUuid::createUuid()));
+}
+
+TEST(AppViewModelCleanupTest, CleanDeletesReportsAndRescans)
+{
+    ScannedFixture f;
+    QSignalSpy credit(f.model.get(), &AppViewModel::successfulActionCompleted);
+    f.select(QStringLiteral("My App"));
+    f.select(QStringLiteral("Cache from Xcode 15.4"));
+    const qint64 selected = f.model->selectedSize();
+    ASSERT_GT(selected, 240000);
+    // The moment the clean lands, the selection is gone and "Delete..." is off, while the
+    // rescan is already running.
+    bool checkedAtLanding = false;
+    QObject::connect(f.model.get(), &AppViewModel::cleanupStateChanged, f.model.get(), [&] {
+        if (!checkedAtLanding && !f.model->cleaning() && f.model->scanning()) {
+            checkedAtLanding = true;
+            EXPECT_EQ(f.model->selectedSize(), 0);
+            EXPECT_TRUE(f.model->disableClean());
+        }
+    });
+    f.cleanAndWait();
+    EXPECT_TRUE(checkedAtLanding);
+    EXPECT_FALSE(QFileInfo::exists(f.myApp));
+    EXPECT_FALSE(QFileInfo::exists(f.docs154a));
+    EXPECT_FALSE(QFileInfo::exists(f.docs154b));
+    EXPECT_TRUE(QFileInfo::exists(f.docs160));
+    EXPECT_TRUE(QFileInfo::exists(f.other));
+    EXPECT_TRUE(QFileInfo::exists(f.xcode(QStringLiteral("DerivedData"))));
+    EXPECT_EQ(f.saved.totalBytes(), selected);
+    EXPECT_EQ(f.defaults.integerValue(QStringLiteral("TotalBytesDeleted"), 0), selected);
+    EXPECT_EQ(f.model->toastMessage(), QStringLiteral("Completed")) << "and no second toast from the rescan";
+    EXPECT_EQ(credit.count(), 1);
+    EXPECT_EQ(f.find(QStringLiteral("My App")), nullptr);
+    EXPECT_EQ(f.find(QStringLiteral("Cache from Xcode 15.4")), nullptr);
+    EXPECT_NE(f.find(QStringLiteral("Other")), nullptr);
+    EXPECT_EQ(f.model->selectedSize(), 0);
+    EXPECT_TRUE(f.model->disableClean());
+}
+
+TEST(AppViewModelCleanupTest, OutcomesOfPartialFailedAndEmptyRuns)
+{
+    struct Case
+    {
+        const char* name;
+        QStringList selected;
+        bool lockMyApp; // an immutable info.plist in My App
+        bool removeBefore; // the selection vanished from the disk before the clean
+        QString message; // empty: the partial text with the freed bytes
+        int credit;
+        bool savedGrows;
+    };
+    const Case cases[] = {
+        {"one of two fails", {QStringLiteral("My App"), QStringLiteral("Other")}, true, false, {}, 0, true},
+        {"the only one fails",
+         {QStringLiteral("My App")},
+         true,
+         false,
+         QStringLiteral("Cleanup failed. The selected items could not be deleted."),
+         0,
+         false},
+        {"everything already gone", {QStringLiteral("Other")}, false, true, QStringLiteral("Completed"), 0, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        ScannedFixture f;
+        QSignalSpy credit(f.model.get(), &AppViewModel::successfulActionCompleted);
+        for (const QString& label : c.selected)
+            f.select(label);
+        std::unique_ptr<ImmutableFile> lock;
+        if (c.lockMyApp) {
+            lock = std::make_unique<ImmutableFile>(f.myApp + QStringLiteral("/info.plist"));
+            if (!lock->isActive())
+                GTEST_SKIP() << "no immutable files here, and root may remove anything else";
+        }
+        if (c.removeBefore) {
+            ASSERT_TRUE(QDir(f.other).removeRecursively());
+        }
+        const qint64 otherBytes = f.find(QStringLiteral("Other"))->size.bytesOrZero();
+        f.cleanAndWait();
+        const QString expected = !c.message.isEmpty() ? c.message
+                                                      : QStringLiteral("Cleanup partially completed. Space reclaimed: ")
+                + formatByteCount(otherBytes) + QStringLiteral(". Some selected items could not be deleted.");
+        EXPECT_EQ(f.model->toastMessage(), expected);
+        EXPECT_EQ(credit.count(), c.credit);
+        EXPECT_EQ(f.saved.totalBytes(), c.savedGrows ? otherBytes : 0);
+        if (c.lockMyApp) {
+            EXPECT_TRUE(QFileInfo::exists(f.myApp + QStringLiteral("/info.plist")));
+            EXPECT_NE(f.find(QStringLiteral("My App")), nullptr) << "what stayed is listed again";
+        }
+    }
+}
+
+TEST(AppViewModelCleanupTest, GuardsRefuseOverlappingWork)
+{
+    ScannedFixture f;
+    f.select(QStringLiteral("Other"));
+    // Each request is made at a moment the other operation is known to run: inside the
+    // store's own notifications.
+    int cleansRefused = 0;
+    auto scanWatch = QObject::connect(f.model.get(), &AppViewModel::localFilesChanged, f.model.get(), [&] {
+        if (!f.model->scanning())
+            return;
+        f.model->clean();
+        cleansRefused += f.model->cleaning() ? 0 : 1;
+    });
+    f.model->rescan();
+    ASSERT_TRUE(f.waitForIdle());
+    QObject::disconnect(scanWatch);
+    EXPECT_EQ(cleansRefused, 8);
+    EXPECT_TRUE(QFileInfo::exists(f.other));
+
+    f.select(QStringLiteral("Other"));
+    int scansRefused = 0;
+    bool checked = false;
+    auto cleanWatch = QObject::connect(f.model.get(), &AppViewModel::cleanupStateChanged, f.model.get(), [&] {
+        if (checked || !f.model->cleaning())
+            return;
+        checked = true;
+        f.model->rescan();
+        f.model->startInitialScan();
+        f.model->removeDeveloperFolderAuthorization();
+        scansRefused = !f.model->scanning() && f.model->hasFileManager() ? 1 : 0;
+    });
+    f.cleanAndWait();
+    QObject::disconnect(cleanWatch);
+    EXPECT_EQ(scansRefused, 1);
+    EXPECT_EQ(f.find(QStringLiteral("Other")), nullptr);
+}
+
+TEST(AppViewModelCleanupTest, XcodeIsRunningWhenItsIdentifierIsAmongTheRunningApps)
+{
+    CleanupFlowFixture f;
+    const struct
+    {
+        QStringList running;
+        bool expected;
+    } cases[] = {
+        {{}, false},
+        {{QStringLiteral("com.apple.dt.XcodeHelper"), QStringLiteral("Xcode")}, false},
+        {{QStringLiteral("bash"), QStringLiteral("com.apple.dt.Xcode")}, true},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.running.join(QLatin1Char(',')).toStdString());
+        f.workspace.running = c.running;
+        EXPECT_EQ(f.model->isXcodeRunning(), c.expected);
+    }
+}

@@ -1,0 +1,166 @@
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <gtest/gtest.h>
+
+#include "core/state/URLBookmarkManager.h"
+#include "platform/FolderBookmark.h"
+#include "testsupport/TempTree.h"
+
+using namespace quillbay;
+using quillbay::test::TempTree;
+using File = URLBookmarkManager::File;
+
+namespace {
+
+QByteArray readAll(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+URLBookmark bookmarkOf(const QString& folder)
+{
+    URLBookmark entry;
+    entry.urlString = folder;
+    entry.bookmarkData = FolderBookmark::make(folder);
+    entry.url = folder;
+    return entry;
+}
+
+// Puts a new folder in place of an existing one: same path, another inode. The new one
+// is made before the old goes, so the inode number cannot be reused.
+void replaceFolder(const QString& folder)
+{
+    ASSERT_TRUE(QDir().mkdir(folder + QStringLiteral(".new")));
+    ASSERT_TRUE(QDir().rmdir(folder));
+    ASSERT_TRUE(QDir().rename(folder + QStringLiteral(".new"), folder));
+}
+
+} // namespace
+
+TEST(URLBookmarkManagerTest, SavesInDeclaredKeyOrderAndLoadsBack)
+{
+    TempTree tree;
+    const QString a = tree.mkdir(QStringLiteral("custom/Derived Data ü"));
+    const QString b = tree.mkdir(QStringLiteral("custom/Other"));
+    URLBookmarkManager manager(tree.path(QStringLiteral("data/Quillbay")));
+    QString error;
+    ASSERT_TRUE(manager.save({bookmarkOf(a), bookmarkOf(b)}, File::customDerivedData, &error)) << error.toStdString();
+
+    const QString path = manager.filePath(File::customDerivedData);
+    EXPECT_TRUE(path.endsWith(QStringLiteral("/customDerivedDataURLs.json")));
+    const QByteArray bytes = readAll(path);
+    const QJsonArray array = QJsonDocument::fromJson(bytes).array();
+    ASSERT_EQ(array.size(), 2);
+    EXPECT_EQ(array[0].toObject().keys().size(), 2) << "only the two stored keys, never id or url";
+    EXPECT_LT(bytes.indexOf("\"urlString\""), bytes.indexOf("\"bookmarkData\""));
+    EXPECT_EQ(QByteArray::fromBase64(array[1].toObject()[QStringLiteral("bookmarkData")].toString().toLatin1()),
+              FolderBookmark::make(b));
+
+    const QList<URLBookmark> first = manager.load(File::customDerivedData);
+    const QList<URLBookmark> second = manager.load(File::customDerivedData);
+    ASSERT_EQ(first.size(), 2);
+    EXPECT_EQ(first[0].urlString, a);
+    EXPECT_EQ(first[0].url, a);
+    EXPECT_EQ(first[1].url, b);
+    EXPECT_NE(first[0].id, second[0].id) << "identities are made fresh at every load";
+    EXPECT_EQ(readAll(path), bytes) << "nothing changed, so nothing is written";
+    EXPECT_TRUE(manager.load(File::customArchives).isEmpty()) << "the other list has its own file";
+}
+
+TEST(URLBookmarkManagerTest, UnreadableFilesGiveEmptyListsAndStayOnDisk)
+{
+    const QString good = QStringLiteral(R"({"urlString":"/x","bookmarkData":"UUJNMQ=="})");
+    const struct
+    {
+        const char* name;
+        QByteArray bytes;
+    } cases[] = {
+        {"not JSON", "[{\"urlString\":"},
+        {"an object, not an array", "{\"urlString\":\"/x\",\"bookmarkData\":\"\"}"},
+        {"missing bookmarkData", "[{\"urlString\":\"/x\"}]"},
+        {"urlString of the wrong type", "[{\"urlString\":5,\"bookmarkData\":\"UUJNMQ==\"}]"},
+        {"bookmarkData not base64", "[{\"urlString\":\"/x\",\"bookmarkData\":\"%%%\"}]"},
+        {"one bad entry after a good one", "[" + good.toUtf8() + ",7]"},
+        {"empty file", ""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        TempTree tree;
+        URLBookmarkManager manager(tree.root());
+        const QString path = tree.writeFile(URLBookmarkManager::fileName(File::customArchives), c.bytes);
+        EXPECT_TRUE(manager.load(File::customArchives).isEmpty());
+        EXPECT_EQ(readAll(path), c.bytes) << "a file that could not be read is never overwritten at load";
+    }
+    TempTree tree;
+    EXPECT_TRUE(URLBookmarkManager(tree.path(QStringLiteral("absent"))).load(File::customArchives).isEmpty());
+    EXPECT_FALSE(QFile::exists(tree.path(QStringLiteral("absent")))) << "loading creates nothing";
+}
+
+TEST(URLBookmarkManagerTest, BadAndVanishedEntriesStayWithoutUrlAndStaleOnesAreRenewed)
+{
+    TempTree tree;
+    const QString kept = tree.mkdir(QStringLiteral("Kept"));
+    const QString vanished = tree.mkdir(QStringLiteral("Vanished"));
+    const QString replaced = tree.mkdir(QStringLiteral("Replaced"));
+    URLBookmark garbage;
+    garbage.urlString = QStringLiteral("/somewhere");
+    garbage.bookmarkData = QByteArray("not a bookmark");
+    const QList<URLBookmark> saved {bookmarkOf(kept), garbage, bookmarkOf(vanished), bookmarkOf(replaced)};
+    URLBookmarkManager manager(tree.path(QStringLiteral("data")));
+    ASSERT_TRUE(manager.save(saved, File::customArchives));
+    ASSERT_TRUE(QDir(vanished).removeRecursively());
+    replaceFolder(replaced);
+    const QByteArray before = readAll(manager.filePath(File::customArchives));
+
+    const QList<URLBookmark> loaded = manager.load(File::customArchives);
+    ASSERT_EQ(loaded.size(), 4) << "no entry is ever dropped at load";
+    const struct
+    {
+        const char* name;
+        int index;
+        std::optional<QString> url;
+    } expected[] = {
+        {"reachable", 0, kept},
+        {"undecodable bookmark", 1, std::nullopt},
+        {"folder gone", 2, std::nullopt},
+        {"folder replaced", 3, replaced},
+    };
+    for (const auto& e : expected) {
+        SCOPED_TRACE(e.name);
+        EXPECT_EQ(loaded[e.index].urlString, saved[e.index].urlString);
+        EXPECT_EQ(loaded[e.index].url, e.url);
+    }
+    EXPECT_EQ(loaded[1].bookmarkData, garbage.bookmarkData) << "bad data is kept as it was";
+    EXPECT_NE(loaded[3].bookmarkData, saved[3].bookmarkData);
+    EXPECT_FALSE(FolderBookmark::resolve(loaded[3].bookmarkData)->isStale);
+
+    const QByteArray after = readAll(manager.filePath(File::customArchives));
+    EXPECT_NE(after, before) << "a renewed bookmark is written back";
+    const QList<URLBookmark> again = manager.load(File::customArchives);
+    EXPECT_EQ(again[3].bookmarkData, loaded[3].bookmarkData);
+    EXPECT_EQ(readAll(manager.filePath(File::customArchives)), after) << "nothing stale is left to renew";
+}
+
+TEST(URLBookmarkManagerTest, SavingWithoutADataFolderFails)
+{
+    TempTree tree;
+    const struct
+    {
+        const char* name;
+        QString folder;
+    } cases[] = {
+        {"no data folder at all", QString()},
+        {"data folder below a file", tree.writeFile(QStringLiteral("plain"), "x") + QStringLiteral("/Quillbay")},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        QString error;
+        EXPECT_FALSE(URLBookmarkManager(c.folder).save({}, File::customArchives, &error));
+        EXPECT_TRUE(error.contains(QStringLiteral("customArchivesURLs.json"))) << error.toStdString();
+    }
+}

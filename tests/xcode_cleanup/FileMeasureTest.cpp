@@ -1,0 +1,88 @@
+#include <QFile>
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "testsupport/DeveloperTreeBuilder.h"
+#include "testsupport/TempTree.h"
+#include "xcode_cleanup/FileMeasure.h"
+
+using namespace quillbay;
+using quillbay::test::TempTree;
+
+TEST(FileMeasureTest, CountsRegularFilesOnlyAndEveryHardLinkWhereItStands)
+{
+    TempTree tree;
+    tree.writeSizedFile(QStringLiteral("d/a.bin"), 10000);
+    tree.writeSizedFile(QStringLiteral("d/deep/er/b.bin"), 70000);
+    tree.writeSizedFile(QStringLiteral("outside/huge.bin"), 200000);
+    tree.symlink(QStringLiteral("d/link-to-outside"), tree.path(QStringLiteral("outside")));
+    tree.symlink(QStringLiteral("d/link-to-file"), tree.path(QStringLiteral("outside/huge.bin")));
+    tree.hardlink(QStringLiteral("d/deep/a-again.bin"), QStringLiteral("d/a.bin"));
+    tree.writeFile(QStringLiteral("d/.hidden"), QByteArray(5000, 'h'));
+    tree.mkdir(QStringLiteral("d/empty"));
+    const qint64 a = TempTree::allocatedBytes(tree.path(QStringLiteral("d/a.bin")));
+    const qint64 b = TempTree::allocatedBytes(tree.path(QStringLiteral("d/deep/er/b.bin")));
+    const qint64 hidden = TempTree::allocatedBytes(tree.path(QStringLiteral("d/.hidden")));
+
+    struct Case
+    {
+        const char* path;
+        std::optional<qint64> directory;
+        std::optional<qint64> single;
+    };
+    const Case cases[] = {
+        // links are never followed; a hard link is a file of its own; hidden files count
+        {"d", 2 * a + b + hidden, 0},
+        {"d/a.bin", std::nullopt, a},
+        {"d/link-to-outside", std::nullopt, 0},
+        {"d/link-to-file", std::nullopt, 0},
+        {"d/empty", 0, 0},
+        {"missing", std::nullopt, std::nullopt},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.path);
+        const QString path = tree.path(QString::fromLatin1(c.path));
+        EXPECT_EQ(measureDirectory(path), c.directory);
+        EXPECT_EQ(measureSingleItem(path), c.single);
+    }
+}
+
+TEST(FileMeasureTest, TotalIsTheSameForAnyThreadCountAndMatchesAnIndependentCount)
+{
+    TempTree tree;
+    qint64 expected = 0;
+    test::DeveloperTreeBuilder::fillBuildProducts(tree.path(QStringLiteral("p")), 3000, 42, &expected);
+    ASSERT_GT(expected, 0);
+    for (const int threads : {1, 2, 3, 8, 32}) {
+        SCOPED_TRACE(threads);
+        EXPECT_EQ(measureDirectory(tree.path(QStringLiteral("p")), {}, threads), expected);
+    }
+}
+
+TEST(FileMeasureTest, AFolderThatCannotBeListedFailsTheWholeMeasure)
+{
+    if (!test::ReducedPrivileges::available())
+        GTEST_SKIP() << "running as root without a way to drop privileges, so no folder is unreadable";
+    TempTree tree;
+    ::chmod(QFile::encodeName(tree.root()).constData(), 0755);
+    test::DeveloperTreeBuilder::fillBuildProducts(tree.path(QStringLiteral("p")), 500, 7);
+    tree.writeSizedFile(QStringLiteral("p/locked/inner.bin"), 4096);
+    tree.chmod(QStringLiteral("p/locked"), 0);
+
+    test::ReducedPrivileges unprivileged;
+    for (const int threads : {1, 4}) {
+        SCOPED_TRACE(threads);
+        EXPECT_EQ(measureDirectory(tree.path(QStringLiteral("p")), {}, threads), std::nullopt);
+    }
+    EXPECT_EQ(measureSingleItem(tree.path(QStringLiteral("p/locked"))), 0) << "a folder examined as itself is 0";
+}
+
+TEST(FileMeasureTest, AStoppedMeasureGivesNoFigure)
+{
+    TempTree tree;
+    test::DeveloperTreeBuilder::fillBuildProducts(tree.path(QStringLiteral("p")), 200, 3);
+    std::stop_source stop;
+    stop.request_stop();
+    EXPECT_EQ(measureDirectory(tree.path(QStringLiteral("p")), stop.get_token()), std::nullopt);
+}

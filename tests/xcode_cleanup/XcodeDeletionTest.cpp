@@ -1,0 +1,299 @@
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QFileInfo>
+#include <QMap>
+
+#include <gtest/gtest.h>
+
+#include "foundation/Log.h"
+#include "testsupport/ImmutableFile.h"
+#include "testsupport/TempTree.h"
+#include "xcode_cleanup/XcodeDeletion.h"
+
+using namespace quillbay;
+using quillbay::test::TempTree;
+
+namespace {
+
+// Everything below a folder, without following links: path -> kind and size or target.
+QMap<QString, QString> snapshot(const QString& folder)
+{
+    QMap<QString, QString> entries;
+    QDirIterator it(folder, QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System,
+                    QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QFileInfo info = it.nextFileInfo();
+        const QString key = info.filePath().mid(folder.size());
+        if (info.isSymLink())
+            entries.insert(key, QStringLiteral("link ") + info.symLinkTarget());
+        else if (info.isDir())
+            entries.insert(key, QStringLiteral("dir"));
+        else
+            entries.insert(key, QStringLiteral("file %1").arg(info.size()));
+    }
+    return entries;
+}
+
+qint64 allocatedBelow(const QString& path)
+{
+    const QFileInfo top(path);
+    if (top.isSymLink() || !top.isDir())
+        return TempTree::allocatedBytes(path);
+    qint64 total = 0;
+    QDirIterator it(path, QDir::Files | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System,
+                    QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QFileInfo info = it.nextFileInfo();
+        if (!info.isSymLink())
+            total += TempTree::allocatedBytes(info.filePath());
+    }
+    return total;
+}
+
+// Collects the error lines of the deletion guard, to tell its two rejections apart.
+struct LogCapture
+{
+    static inline QStringList lines;
+    static void handler(QtMsgType type, const QMessageLogContext&, const QString& message)
+    {
+        if (type == QtCriticalMsg)
+            lines.append(message);
+    }
+    QtMessageHandler previous = qInstallMessageHandler(&LogCapture::handler);
+    LogCapture() { lines.clear(); }
+    ~LogCapture() { qInstallMessageHandler(previous); }
+};
+
+const QString kFirst = QStringLiteral("Rejected Xcode cleanup item outside an authorized root.");
+const QString kSecond = QStringLiteral("Rejected Xcode cleanup item after its parent changed.");
+
+// A Developer folder with every built-in folder, and beside it a folder that holds what
+// must survive every case.
+struct Sandbox
+{
+    TempTree tree;
+    QString developer = tree.mkdir(QStringLiteral("home/Library/Developer"));
+    QString xcode = tree.mkdir(QStringLiteral("home/Library/Developer/Xcode"));
+    QString outside = tree.mkdir(QStringLiteral("outside"));
+
+    Sandbox()
+    {
+        for (const char* folder : {"Archives", "DerivedData", "DocumentationCache", "iOS Device Logs",
+                                   "UserData/Previews", "iOS DeviceSupport", "macOS DeviceSupport"})
+            tree.mkdir(QStringLiteral("home/Library/Developer/Xcode/") + QLatin1String(folder));
+        tree.writeSizedFile(QStringLiteral("outside/App.xcarchive/Info.plist"), 9000);
+        tree.writeSizedFile(QStringLiteral("outside/Proj-abc/Build/big.o"), 40000);
+        tree.writeFile(QStringLiteral("outside/keep.txt"), "precious");
+    }
+
+    QString x(const QString& relative) const { return xcode + QLatin1Char('/') + relative; }
+
+    XcodeDeletion deletion(const QStringList& customDerivedData = {}) const
+    {
+        return XcodeDeletion(
+            XcodeDeletion::authorizedRoots(XcodeDeletion::builtInRoots(developer), {}, customDerivedData),
+            &allocatedBelow);
+    }
+};
+
+} // namespace
+
+TEST(XcodeDeletionTest, AcceptedComparesWholeComponentsOnBothSides)
+{
+    TempTree tree;
+    tree.mkdir(QStringLiteral("a/b/c"));
+    tree.mkdir(QStringLiteral("a/b2"));
+    const XcodeDeletionRoot root = XcodeDeletionRoot::fromPath(tree.path(QStringLiteral("a/b")));
+    const struct
+    {
+        const char* target;
+        bool expected;
+    } cases[] = {
+        {"a/b/c", true}, {"a/b/c/d/e", true}, {"a/b/./c", true},         {"a//b/c", true},  {"a/b", false},
+        {"a/b/", false}, {"a/b/.", false},    {"a/b2", false},           {"a/b2/c", false}, {"a/b/../b2", false},
+        {"a/bc", false}, {"a", false},        {"a/b/c/../../b2", false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.target);
+        EXPECT_EQ(XcodeDeletion::accepted(tree.path(QLatin1String(c.target)), root), c.expected);
+    }
+}
+
+TEST(XcodeDeletionTest, RootsLeaveOutBuiltInFoldersThatLinkElsewhere)
+{
+    Sandbox s;
+    ASSERT_TRUE(QDir(s.x(QStringLiteral("DerivedData"))).removeRecursively());
+    s.tree.symlink(QStringLiteral("home/Library/Developer/Xcode/DerivedData"), s.outside);
+    // A link that stays inside the Xcode folder keeps its root.
+    s.tree.mkdir(QStringLiteral("home/Library/Developer/Xcode/Real Logs"));
+    s.tree.symlink(QStringLiteral("home/Library/Developer/Xcode/iOS Device Logs.tmp"), QStringLiteral("Real Logs"));
+    ASSERT_TRUE(QDir(s.x(QStringLiteral("iOS Device Logs"))).removeRecursively());
+    ASSERT_TRUE(QFile::rename(s.x(QStringLiteral("iOS Device Logs.tmp")), s.x(QStringLiteral("iOS Device Logs"))));
+
+    const QList<XcodeDeletionRoot> builtIn = XcodeDeletion::builtInRoots(s.developer + QStringLiteral("/"));
+    QStringList lexical;
+    for (const XcodeDeletionRoot& root : builtIn)
+        lexical << root.lexicalURL.mid(s.xcode.size() + 1);
+    EXPECT_EQ(lexical,
+              (QStringList {QStringLiteral("Archives"), QStringLiteral("DocumentationCache"),
+                            QStringLiteral("iOS Device Logs"), QStringLiteral("UserData/Previews"),
+                            QStringLiteral("iOS DeviceSupport"), QStringLiteral("watchOS DeviceSupport"),
+                            QStringLiteral("tvOS DeviceSupport"), QStringLiteral("visionOS DeviceSupport"),
+                            QStringLiteral("macOS DeviceSupport")}));
+    EXPECT_EQ(builtIn[2].resolvedURL, s.x(QStringLiteral("Real Logs")));
+
+    const QString custom = s.tree.mkdir(QStringLiteral("custom/DD"));
+    const auto all = XcodeDeletion::authorizedRoots(builtIn, {custom, s.x(QStringLiteral("Archives"))},
+                                                    {custom + QStringLiteral("/./"), s.outside});
+    ASSERT_EQ(all.size(), builtIn.size() + 2) << "duplicates by standardized path are dropped";
+    EXPECT_EQ(all[builtIn.size()].lexicalURL, custom);
+    EXPECT_EQ(all.last().lexicalURL, s.outside) << "custom roots are not confined to the Xcode folder";
+}
+
+TEST(XcodeDeletionTest, NothingOutsideTheRootsIsEverRemoved)
+{
+    struct Case
+    {
+        const char* name;
+        std::function<QString(Sandbox&)> prepare; // returns the target
+        QString expectedLog; // empty: deleted
+        bool survives;
+    };
+    const Case cases[] = {
+        {"a target equal to a root", [](Sandbox& s) { return s.x(QStringLiteral("DerivedData")); }, kFirst, true},
+        {"a root spelled with a trailing dot", [](Sandbox& s) { return s.x(QStringLiteral("DerivedData/.")); }, kFirst,
+         true},
+        {"the Xcode folder itself", [](Sandbox& s) { return s.xcode; }, kFirst, true},
+        {"a parent that links out of the roots",
+         [](Sandbox& s) {
+             s.tree.symlink(QStringLiteral("home/Library/Developer/Xcode/Archives/2024-01-01"), s.outside);
+             return s.x(QStringLiteral("Archives/2024-01-01/App.xcarchive"));
+         },
+         kFirst, true},
+        {"a sibling whose name extends a root",
+         [](Sandbox& s) {
+             s.tree.writeSizedFile(QStringLiteral("home/Library/Developer/Xcode/DerivedData2/P-x/f"), 5000);
+             return s.x(QStringLiteral("DerivedData2/P-x"));
+         },
+         kFirst, true},
+        {"dot-dot out of a root",
+         [](Sandbox& s) { return s.x(QStringLiteral("DerivedData/../../../../../outside/Proj-abc")); }, kFirst, true},
+        {"under a built-in folder that is itself a link out",
+         [](Sandbox& s) {
+             QDir(s.x(QStringLiteral("DerivedData"))).removeRecursively();
+             s.tree.symlink(QStringLiteral("home/Library/Developer/Xcode/DerivedData"), s.outside);
+             return s.x(QStringLiteral("DerivedData/Proj-abc"));
+         },
+         kFirst, true},
+        {"a link swapped in between the two checks",
+         [](Sandbox& s) {
+             s.tree.writeSizedFile(QStringLiteral("home/Library/Developer/Xcode/Archives/2024-01-01/App.xcarchive/I"),
+                                   3000);
+             return s.x(QStringLiteral("Archives/2024-01-01/App.xcarchive"));
+         },
+         kSecond, true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Sandbox s;
+        const QString target = c.prepare(s);
+        const auto outsideBefore = snapshot(s.outside);
+        const auto xcodeBefore = snapshot(s.xcode);
+        XcodeDeletion deletion = s.deletion();
+        const bool swaps = c.expectedLog == kSecond;
+        int hookCalls = 0;
+        deletion.setBetweenChecksHook([&](const XcodeDeletionTarget&) {
+            ++hookCalls;
+            if (!swaps)
+                return;
+            const QString dated = s.x(QStringLiteral("Archives/2024-01-01"));
+            ASSERT_TRUE(QFile::rename(dated, s.tree.path(QStringLiteral("parked"))));
+            ASSERT_TRUE(QFile::link(s.outside, dated));
+        });
+        LogCapture log;
+        const XcodeDeletionResult result = deletion.run({{QStringLiteral("Loc"), QStringLiteral("Item"), target}});
+        EXPECT_EQ(result.deletedItemCount, 0);
+        EXPECT_EQ(result.failedItemCount, 1);
+        EXPECT_EQ(result.reclaimedSize, 0);
+        ASSERT_EQ(result.failures.size(), 1);
+        EXPECT_EQ(result.failures[0].itemName, QStringLiteral("Item"));
+        EXPECT_TRUE(result.failures[0].message.startsWith(QStringLiteral("You don’t have permission")));
+        EXPECT_EQ(log.lines, QStringList {c.expectedLog});
+        EXPECT_EQ(hookCalls, swaps ? 1 : 0) << "a target refused at once is not even measured";
+        EXPECT_EQ(snapshot(s.outside), outsideBefore);
+        if (!swaps) {
+            EXPECT_EQ(snapshot(s.xcode), xcodeBefore);
+        }
+    }
+}
+
+TEST(XcodeDeletionTest, DeletesLinksAsLinksAndCountsAbsentItemsAsNeither)
+{
+    Sandbox s;
+    const QString project = s.x(QStringLiteral("DerivedData/App-abc"));
+    s.tree.writeSizedFile(QStringLiteral("home/Library/Developer/Xcode/DerivedData/App-abc/Build/a.o"), 70000);
+    s.tree.writeSizedFile(QStringLiteral("home/Library/Developer/Xcode/DerivedData/App-abc/Index/b"), 12000);
+    // Links inside a deleted folder go as links; what they point at stays.
+    s.tree.symlink(QStringLiteral("home/Library/Developer/Xcode/DerivedData/App-abc/Build/out"), s.outside);
+    s.tree.symlink(QStringLiteral("home/Library/Developer/Xcode/DerivedData/App-abc/keep"),
+                   s.outside + QStringLiteral("/keep.txt"));
+    const qint64 projectBytes = allocatedBelow(project);
+    const QString link = s.tree.symlink(QStringLiteral("home/Library/Developer/Xcode/DerivedData/Outside-xyz"),
+                                        s.outside + QStringLiteral("/Proj-abc"));
+    const QString doc1
+        = s.tree.writeSizedFile(QStringLiteral("home/Library/Developer/Xcode/DocumentationCache/v1/15.0"), 8000);
+    const QString doc2
+        = s.tree.writeSizedFile(QStringLiteral("home/Library/Developer/Xcode/DocumentationCache/v2/15.0"), 4000);
+    const qint64 docBytes = allocatedBelow(doc1) + allocatedBelow(doc2);
+    const QString custom = s.tree.writeSizedFile(QStringLiteral("custom/DD/Other-q/x"), 6000);
+    const qint64 customBytes = TempTree::allocatedBytes(custom);
+    const auto outsideBefore = snapshot(s.outside);
+
+    const QList<XcodeDeletionTarget> targets {
+        {QStringLiteral("Derived Data"), QStringLiteral("App"), project},
+        {QStringLiteral("Derived Data"), QStringLiteral("Outside"), link},
+        {QStringLiteral("Documentation Cache"), QStringLiteral("Cache from Xcode 15.0"), doc1},
+        {QStringLiteral("Documentation Cache"), QStringLiteral("Cache from Xcode 15.0"), doc2},
+        {QStringLiteral("Derived Data"), QStringLiteral("Gone"), s.x(QStringLiteral("DerivedData/Gone-1"))},
+        {QStringLiteral("Derived Data"), QStringLiteral("Other"), s.tree.path(QStringLiteral("custom/DD/Other-q"))},
+    };
+    LogCapture log;
+    const XcodeDeletionResult result = s.deletion({s.tree.path(QStringLiteral("custom/DD"))}).run(targets);
+    EXPECT_EQ(result.deletedItemCount, 5) << "two paths of one row count as two items; the absent one as none";
+    EXPECT_EQ(result.failedItemCount, 0);
+    EXPECT_TRUE(result.failures.isEmpty());
+    EXPECT_EQ(result.reclaimedSize, projectBytes + docBytes + customBytes) << "a link frees nothing";
+    EXPECT_TRUE(log.lines.isEmpty()) << log.lines.join(QLatin1Char('\n')).toStdString();
+    for (const QString& gone : {project, link, doc1, doc2, QFileInfo(custom).path()})
+        EXPECT_FALSE(QFileInfo(gone).exists() || QFileInfo(gone).isSymLink()) << gone.toStdString();
+    EXPECT_TRUE(QFileInfo::exists(s.x(QStringLiteral("DerivedData")))) << "the root itself stays";
+    EXPECT_EQ(snapshot(s.outside), outsideBefore);
+}
+
+TEST(XcodeDeletionTest, AnUndeletableItemFailsAloneAndTheRunGoesOn)
+{
+    Sandbox s;
+    const QString stuck = s.tree.writeSizedFile(QStringLiteral("home/Library/Developer/Xcode/DerivedData/A-1/f"), 5000);
+    s.tree.writeSizedFile(QStringLiteral("home/Library/Developer/Xcode/DerivedData/A-1/g"), 5000);
+    s.tree.writeSizedFile(QStringLiteral("home/Library/Developer/Xcode/DerivedData/B-2/f"), 7000);
+    const qint64 bBytes = allocatedBelow(s.x(QStringLiteral("DerivedData/B-2")));
+    test::ImmutableFile immutable(stuck);
+    if (!immutable.isActive())
+        GTEST_SKIP() << "this file system cannot mark a file immutable, and root may remove anything else";
+    LogCapture log;
+    const XcodeDeletionResult result = s.deletion().run(
+        {{QStringLiteral("Derived Data"), QStringLiteral("A"), s.x(QStringLiteral("DerivedData/A-1"))},
+         {QStringLiteral("Derived Data"), QStringLiteral("B"), s.x(QStringLiteral("DerivedData/B-2"))}});
+    EXPECT_EQ(result.deletedItemCount, 1);
+    EXPECT_EQ(result.failedItemCount, 1);
+    ASSERT_EQ(result.failures.size(), 1);
+    EXPECT_EQ(result.failures[0].itemName, QStringLiteral("A"));
+    EXPECT_TRUE(result.failures[0].message.contains(QStringLiteral("“f”"))) << result.failures[0].message.toStdString();
+    EXPECT_EQ(result.reclaimedSize, bBytes) << "a partly removed item frees nothing on the books";
+    EXPECT_TRUE(QFileInfo::exists(stuck));
+    EXPECT_FALSE(QFileInfo::exists(s.x(QStringLiteral("DerivedData/A-1/g")))) << "as much as possible goes";
+    EXPECT_FALSE(QFileInfo::exists(s.x(QStringLiteral("DerivedData/B-2"))));
+    ASSERT_EQ(log.lines.size(), 1);
+    EXPECT_TRUE(log.lines[0].startsWith(QStringLiteral("Failed to delete Xcode cleanup item in Derived Data: ")));
+}

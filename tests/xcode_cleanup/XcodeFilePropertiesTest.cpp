@@ -1,0 +1,140 @@
+#include <gtest/gtest.h>
+
+#include "testsupport/TempTree.h"
+#include "xcode_cleanup/XcodeFileProperties.h"
+
+using namespace quillbay;
+
+namespace {
+
+XcodeFileProperties leaf(const QString& label, qint64 bytes, const QString& path = QStringLiteral("/nonexistent"))
+{
+    XcodeFileProperties node;
+    node.label = label;
+    node.paths = {path};
+    node.size = Size::value(bytes);
+    return node;
+}
+
+XcodeFileProperties group(const QString& label, std::vector<XcodeFileProperties> children)
+{
+    XcodeFileProperties node;
+    node.label = label;
+    node.children = std::move(children);
+    return node;
+}
+
+// Location -> two OS rows -> leaves, the deepest shape a scan builds.
+XcodeFileProperties threeLevels()
+{
+    return group(QStringLiteral("Device Support"),
+                 {group(QStringLiteral("iOS"), {leaf(QStringLiteral("a"), 100), leaf(QStringLiteral("b"), 200)}),
+                  group(QStringLiteral("watchOS"), {leaf(QStringLiteral("c"), 400)})});
+}
+
+} // namespace
+
+TEST(XcodeFilePropertiesTest, SelectingTheRootSelectsEveryDescendantAndCountsLeavesOnce)
+{
+    XcodeFileProperties root = threeLevels();
+    root.size = Size::value(700);
+    (*root.children)[0].size = Size::value(300);
+    EXPECT_FALSE(root.hasSelection());
+    EXPECT_TRUE(root.setSelected(root.id, true));
+    for (const auto& os : *root.children) {
+        EXPECT_TRUE(os.isSelected);
+        for (const auto& item : *os.children)
+            EXPECT_TRUE(item.isSelected);
+    }
+    // Rows without paths add only their children, so the known group sizes are not added.
+    EXPECT_EQ(root.selectedSize(), 700);
+    EXPECT_TRUE(root.setSelected(root.id, false));
+    EXPECT_EQ(root.selectedSize(), 0);
+    EXPECT_FALSE(root.hasSelection());
+}
+
+TEST(XcodeFilePropertiesTest, ParentsFollowTheirChildren)
+{
+    XcodeFileProperties root = threeLevels();
+    const QUuid a = (*(*root.children)[0].children)[0].id;
+    const QUuid b = (*(*root.children)[0].children)[1].id;
+    const QUuid c = (*(*root.children)[1].children)[0].id;
+    const QUuid ios = (*root.children)[0].id;
+
+    struct Step
+    {
+        QUuid id;
+        bool value;
+        bool iosChecked;
+        bool rootChecked;
+        qint64 selected;
+    };
+    const Step steps[] = {
+        {a, true, false, false, 100}, // one of two: parent stays clear
+        {b, true, true, false, 300}, // the last one checks the parent
+        {c, true, true, true, 700}, // and every branch checks the root
+        {a, false, false, false, 600}, // clearing one child clears the ancestors
+    };
+    for (const Step& step : steps) {
+        SCOPED_TRACE(step.selected);
+        ASSERT_TRUE(root.setSelected(step.id, step.value));
+        EXPECT_EQ(root.selection(ios), step.iosChecked);
+        EXPECT_EQ(root.isSelected, step.rootChecked);
+        EXPECT_EQ(root.selectedSize(), step.selected);
+        EXPECT_EQ(root.selection(step.id), step.value);
+    }
+    EXPECT_TRUE(root.hasSelection());
+    EXPECT_FALSE(root.setSelected(QUuid::createUuid(), true));
+    EXPECT_EQ(root.selection(QUuid::createUuid()), std::nullopt);
+}
+
+TEST(XcodeFilePropertiesTest, SelectedSizeTreatsUnknownAsZeroAndIgnoresOwnSizeWithoutPaths)
+{
+    XcodeFileProperties unknown = leaf(QStringLiteral("u"), 0);
+    unknown.size = Size::unknown();
+    unknown.isSelected = true;
+    EXPECT_EQ(unknown.selectedSize(), 0);
+
+    XcodeFileProperties pathless = group(QStringLiteral("g"), {leaf(QStringLiteral("x"), 10)});
+    pathless.size = Size::value(999);
+    pathless.isSelected = true;
+    EXPECT_EQ(pathless.selectedSize(), 0) << "its child is not selected, its own size has no paths";
+}
+
+TEST(XcodeFilePropertiesTest, SelectedSizeOverflowStopsTheProgram)
+{
+    XcodeFileProperties root
+        = group(QStringLiteral("r"),
+                {leaf(QStringLiteral("a"), std::numeric_limits<qint64>::max()), leaf(QStringLiteral("b"), 1)});
+    root.setSelected(root.id, true);
+    EXPECT_DEATH(root.selectedSize(), "overflow");
+}
+
+TEST(XcodeFilePropertiesTest, CalculateSizeMeasuresChildrenAndPathsAndKeepsTheirSizes)
+{
+    test::TempTree tree;
+    tree.writeSizedFile(QStringLiteral("one/a.bin"), 10000);
+    tree.writeSizedFile(QStringLiteral("one/sub/b.bin"), 5000);
+    tree.writeSizedFile(QStringLiteral("single.log"), 3000);
+    const qint64 a = test::TempTree::allocatedBytes(tree.path(QStringLiteral("one/a.bin")));
+    const qint64 b = test::TempTree::allocatedBytes(tree.path(QStringLiteral("one/sub/b.bin")));
+    const qint64 single = test::TempTree::allocatedBytes(tree.path(QStringLiteral("single.log")));
+
+    XcodeFileProperties folder = leaf(QStringLiteral("folder"), 0, tree.path(QStringLiteral("one")));
+    folder.size = Size::unknown();
+    XcodeFileProperties file = leaf(QStringLiteral("file"), 0, tree.path(QStringLiteral("single.log")));
+    file.size = Size::unknown();
+    XcodeFileProperties gone = leaf(QStringLiteral("gone"), 0, tree.path(QStringLiteral("missing")));
+    gone.size = Size::unknown();
+    XcodeFileProperties root = group(QStringLiteral("root"), {folder, file, gone});
+
+    EXPECT_EQ(root.resolvedSize(), Size::value(a + b + single));
+    EXPECT_EQ((*root.children)[0].size, Size::value(a + b));
+    EXPECT_EQ((*root.children)[1].size, Size::value(single)) << "a file is measured as a single item";
+    EXPECT_EQ((*root.children)[2].size, Size::value(0)) << "what cannot be measured counts 0, never unknown";
+
+    // A known size is not measured again; calculateSize always is.
+    tree.writeSizedFile(QStringLiteral("one/c.bin"), 8192);
+    EXPECT_EQ(root.resolvedSize(), Size::value(a + b + single));
+    EXPECT_GT(root.calculateSize().bytesOrZero(), a + b + single);
+}

@@ -1,0 +1,336 @@
+#include <QAbstractButton>
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QFileInfo>
+#include <QLabel>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTreeView>
+
+#include <gtest/gtest.h>
+
+#include "core/views/FolderAuthorizationRequiredView.h"
+#include "core/views/ToastOverlay.h"
+#include "foundation/ByteCount.h"
+#include "testsupport/CleanupFlowFixture.h"
+#include "testsupport/ImmutableFile.h"
+#include "xcode_cleanup/views/CleanupView.h"
+#include "xcode_cleanup/views/XcodeCleanupContent.h"
+#include "xcode_cleanup/views/XcodeCleanupFooter.h"
+#include "xcode_cleanup/views/XcodeCleanupTreeModel.h"
+
+using namespace quillbay;
+using namespace quillbay::test;
+
+namespace {
+
+// The cleanup screen in a window, on the fixture's view model, with the scripted panels
+// put back in place of the file dialogs the screen installs for itself.
+struct Screen
+{
+    CleanupFlowFixture f;
+    std::unique_ptr<QWidget> window = std::make_unique<QWidget>();
+    CleanupView* view = nullptr;
+    ToastOverlay* toast = nullptr;
+
+    void show()
+    {
+        view = new CleanupView(*f.model, window.get());
+        f.model->setCleanupPanels(&f.pickers, &f.alerts);
+        toast = new ToastOverlay(window.get());
+        QObject::connect(f.model.get(), &AppViewModel::toastMessageChanged, toast, [this] {
+            if (f.model->toastMessage())
+                toast->showMessage(*f.model->toastMessage());
+        });
+        window->resize(900, 600);
+        view->resize(900, 600);
+        window->show();
+    }
+
+    QPushButton* button(const char* objectName) const
+    {
+        return view->findChild<QPushButton*>(QLatin1String(objectName));
+    }
+
+    QLabel* label(const char* objectName) const { return view->findChild<QLabel*>(QLatin1String(objectName)); }
+
+    QTreeView* tree() const { return view->content()->treeView(); }
+
+    // The row whose label is `text`, anywhere in the outline.
+    QModelIndex row(const QString& text) const
+    {
+        const QModelIndexList hits = tree()->model()->match(tree()->model()->index(0, 0), Qt::DisplayRole, text, 1,
+                                                            Qt::MatchExactly | Qt::MatchRecursive);
+        return hits.isEmpty() ? QModelIndex() : hits.first();
+    }
+
+    // Clicks the check box of a row the way a user does.
+    void tick(const QString& text)
+    {
+        QModelIndex index = row(text);
+        ASSERT_TRUE(index.isValid()) << text.toStdString();
+        for (QModelIndex parent = index.parent(); parent.isValid(); parent = parent.parent())
+            tree()->expand(parent);
+        tree()->scrollTo(index);
+        QApplication::processEvents();
+        QStyleOptionViewItem option;
+        option.initFrom(tree()->viewport());
+        option.rect = tree()->visualRect(index);
+        option.features |= QStyleOptionViewItem::HasCheckIndicator;
+        const QRect box = tree()->style()->subElementRect(QStyle::SE_ItemViewItemCheckIndicator, &option, tree());
+        QTest::mouseClick(tree()->viewport(), Qt::LeftButton, {}, box.center());
+    }
+
+    QMessageBox* dialog(const char* objectName) const
+    {
+        QMessageBox* box = nullptr;
+        waitUntil([&] {
+            box = window->findChild<QMessageBox*>(QLatin1String(objectName));
+            return box && box->isVisible();
+        });
+        return box;
+    }
+
+    static QAbstractButton* buttonIn(QMessageBox* box, const QString& text)
+    {
+        for (QAbstractButton* b : box->buttons()) {
+            if (b->text() == text)
+                return b;
+        }
+        return nullptr;
+    }
+};
+
+} // namespace
+
+TEST(CleanupViewTest, AuthorizeScanTickDeleteAndSeeTheResult)
+{
+    Screen s;
+    s.show();
+    // No Developer folder yet: the request on appearing is silent and the screen asks.
+    ASSERT_TRUE(waitUntil([&] { return !s.f.model->isRequestingDeveloperFolderAuthorization(); }));
+    EXPECT_TRUE(s.view->isShowingAuthorization());
+    EXPECT_TRUE(s.f.pickers.requests.isEmpty());
+    EXPECT_FALSE(s.view->rescanAction()->isEnabled());
+    EXPECT_EQ(s.label("folderAuthorizationTitleLabel")->text(), QStringLiteral("Folder Authorization Required"));
+    EXPECT_EQ(s.label("folderAuthorizationDescriptionLabel")->text(), QStringLiteral("Scan and clean Xcode data."));
+
+    // "Choose Folder" opens the panel at the Developer folder; the user cancels.
+    s.f.pickers.cancelNext();
+    s.button("chooseFolderPushButton")->click();
+    ASSERT_TRUE(waitUntil([&] { return !s.f.model->isRequestingDeveloperFolderAuthorization(); }));
+    ASSERT_EQ(s.f.pickers.requests.size(), 1);
+    EXPECT_EQ(s.f.pickers.requests[0].directory, s.f.developer);
+    EXPECT_TRUE(s.view->isShowingAuthorization());
+
+    // Xcode has been run since; now the folder is there and can be used.
+    s.f.buildDeveloperTree();
+    s.button("chooseFolderPushButton")->click();
+    ASSERT_TRUE(waitUntil([&] { return s.f.model->hasFileManager(); }));
+    EXPECT_FALSE(s.view->isShowingAuthorization());
+    EXPECT_FALSE(s.view->rescanAction()->isEnabled()) << "no rescan while scanning";
+    ASSERT_TRUE(s.f.waitForIdle());
+    EXPECT_TRUE(s.view->rescanAction()->isEnabled());
+    EXPECT_FALSE(s.view->content()->isShowingEmptyState());
+    EXPECT_EQ(s.tree()->model()->rowCount(), 6);
+    EXPECT_FALSE(s.button("deletePushButton")->isEnabled());
+    EXPECT_EQ(s.label("totalLabel")->text(), QStringLiteral("Total: ") + formatByteCount(s.f.model->totalSize()));
+
+    const qint64 appBytes = s.f.find(QStringLiteral("My App"))->size.bytesOrZero();
+    const qint64 docBytes = s.f.find(QStringLiteral("Cache from Xcode 15.4"))->size.bytesOrZero();
+    s.tick(QStringLiteral("My App"));
+    s.tick(QStringLiteral("Cache from Xcode 15.4"));
+    EXPECT_EQ(s.f.model->selectedSize(), appBytes + docBytes);
+    EXPECT_EQ(s.label("selectedLabel")->text(), QStringLiteral("Selected: ") + formatByteCount(appBytes + docBytes));
+    EXPECT_EQ(s.row(QStringLiteral("Derived Data")).data(Qt::CheckStateRole).value<Qt::CheckState>(),
+              Qt::PartiallyChecked);
+    ASSERT_TRUE(s.button("deletePushButton")->isEnabled());
+
+    // Xcode is not running, so only the confirmation appears; "Delete" goes ahead.
+    QSignalSpy credit(s.f.model.get(), &AppViewModel::successfulActionCompleted);
+    s.button("deletePushButton")->click();
+    QMessageBox* confirm = s.dialog("deletionConfirmationMessageBox");
+    ASSERT_NE(confirm, nullptr);
+    EXPECT_EQ(confirm->text(), QStringLiteral("Are you sure you want to proceed? This action is irreversible."));
+    EXPECT_EQ(s.view->findChild<QMessageBox*>(QStringLiteral("xcodeRunningWarningMessageBox")), nullptr);
+    Screen::buttonIn(confirm, QStringLiteral("Delete"))->click();
+    ASSERT_TRUE(waitUntil([&] { return s.f.model->cleaning() || s.f.model->scanning(); }));
+    ASSERT_TRUE(s.f.waitForIdle());
+
+    EXPECT_FALSE(QFileInfo::exists(s.f.myApp));
+    EXPECT_FALSE(QFileInfo::exists(s.f.docs154a));
+    EXPECT_FALSE(QFileInfo::exists(s.f.docs154b));
+    EXPECT_TRUE(QFileInfo::exists(s.f.other));
+    EXPECT_FALSE(s.row(QStringLiteral("My App")).isValid());
+    EXPECT_FALSE(s.row(QStringLiteral("Cache from Xcode 15.4")).isValid());
+    EXPECT_TRUE(s.row(QStringLiteral("Cache from Xcode 16.0")).isValid());
+    EXPECT_EQ(s.f.model->selectedSize(), 0);
+    EXPECT_EQ(s.label("selectedLabel")->text(), QStringLiteral("Selected: Zero KB"));
+    EXPECT_FALSE(s.button("deletePushButton")->isEnabled());
+    EXPECT_EQ(s.f.saved.totalBytes(), appBytes + docBytes);
+    EXPECT_EQ(s.toast->text(), QStringLiteral("Completed"));
+    EXPECT_EQ(credit.count(), 1);
+}
+
+TEST(CleanupViewTest, APartialFailureShowsThePartialMessageAndEarnsNoCredit)
+{
+    Screen s;
+    s.f.buildDeveloperTree();
+    ImmutableFile lock(s.f.myApp + QStringLiteral("/info.plist"));
+    if (!lock.isActive())
+        GTEST_SKIP() << "no immutable files on this file system, and as root nothing else resists removal";
+    s.f.defaults.setValue(QStringLiteral("SuppressDeleteWarningAlert"), true);
+    s.show();
+    ASSERT_TRUE(waitUntil([&] { return s.f.model->hasFileManager(); }));
+    ASSERT_TRUE(s.f.waitForIdle());
+    s.tick(QStringLiteral("Derived Data"));
+    const qint64 otherBytes = s.f.find(QStringLiteral("Other"))->size.bytesOrZero();
+    QSignalSpy credit(s.f.model.get(), &AppViewModel::successfulActionCompleted);
+    bool overlayWhileCleaning = false;
+    QObject::connect(s.f.model.get(), &AppViewModel::cleanupStateChanged, s.view, [&] {
+        if (s.f.model->cleaning())
+            overlayWhileCleaning = s.view->content()->isShowingCleaningOverlay();
+    });
+    s.button("deletePushButton")->click();
+    EXPECT_TRUE(overlayWhileCleaning) << "with the confirmation suppressed the clean starts at once";
+    ASSERT_TRUE(s.f.waitForIdle());
+    EXPECT_FALSE(s.view->content()->isShowingCleaningOverlay());
+    EXPECT_EQ(s.toast->text(),
+              QStringLiteral("Cleanup partially completed. Space reclaimed: ") + formatByteCount(otherBytes)
+                  + QStringLiteral(". Some selected items could not be deleted."));
+    EXPECT_EQ(credit.count(), 0);
+    EXPECT_EQ(s.f.saved.totalBytes(), otherBytes);
+    EXPECT_TRUE(s.row(QStringLiteral("My App")).isValid()) << "what stayed is listed again";
+    EXPECT_FALSE(QFileInfo::exists(s.f.myApp + QStringLiteral("/Build"))) << "the rest of a failed folder still goes";
+    EXPECT_FALSE(s.row(QStringLiteral("Other")).isValid());
+}
+
+TEST(CleanupViewTest, DialogsFollowTheRunningXcodeAndTheirDontAskAgainKeys)
+{
+    const struct
+    {
+        const char* name;
+        bool xcodeRunning;
+        bool suppressRunning;
+        bool suppressDelete;
+        bool expectWarning;
+        bool expectConfirmation;
+    } cases[] = {
+        {"quiet machine", false, false, false, false, true},
+        {"Xcode running", true, false, false, true, false},
+        {"Xcode running, warning suppressed", true, true, false, false, true},
+        {"both suppressed", true, true, true, false, false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        Screen s;
+        s.f.buildDeveloperTree();
+        if (c.xcodeRunning)
+            s.f.workspace.running = {QStringLiteral("com.apple.dt.Xcode")};
+        s.f.defaults.setValue(QStringLiteral("SuppressXcodeIsRunningAlert"), c.suppressRunning);
+        s.f.defaults.setValue(QStringLiteral("SuppressDeleteWarningAlert"), c.suppressDelete);
+        s.show();
+        ASSERT_TRUE(waitUntil([&] { return s.f.model->hasFileManager(); }));
+        ASSERT_TRUE(s.f.waitForIdle());
+        s.tick(QStringLiteral("Other"));
+        s.button("deletePushButton")->click();
+        QApplication::processEvents();
+        XcodeCleanupFooter* footer = s.view->footer();
+        EXPECT_EQ(footer->isShowingXcodeRunningWarning(), c.expectWarning);
+        EXPECT_EQ(footer->isShowingDeletionConfirmation(), c.expectConfirmation);
+        EXPECT_EQ(s.f.model->cleaning() || !QFileInfo::exists(s.f.other), !c.expectWarning && !c.expectConfirmation);
+        if (c.expectWarning) {
+            QMessageBox* warning = footer->xcodeRunningWarning();
+            EXPECT_EQ(warning->text(), QStringLiteral("Xcode is running"));
+            EXPECT_TRUE(warning->informativeText().endsWith(
+                QStringLiteral(" can run with Xcode open, but some cleaned files may affect its functionality or "
+                               "cause a crash.")));
+            // Ticking "Don't ask again" stores the choice; "Continue" leads on.
+            warning->checkBox()->setChecked(true);
+            EXPECT_TRUE(s.f.defaults.boolValue(QStringLiteral("SuppressXcodeIsRunningAlert"), false));
+            Screen::buttonIn(warning, QStringLiteral("Continue"))->click();
+            ASSERT_TRUE(waitUntil([&] { return footer->isShowingDeletionConfirmation(); }));
+        }
+        if (c.expectWarning || c.expectConfirmation) {
+            QMessageBox* confirm = footer->deletionConfirmation();
+            ASSERT_NE(confirm, nullptr);
+            EXPECT_FALSE(confirm->checkBox()->isChecked());
+            confirm->checkBox()->setChecked(true);
+            EXPECT_TRUE(s.f.defaults.boolValue(QStringLiteral("SuppressDeleteWarningAlert"), false));
+            confirm->reject();
+            ASSERT_TRUE(waitUntil([&] { return !footer->isShowingDeletionConfirmation(); }));
+            EXPECT_FALSE(s.f.model->cleaning()) << "cancelling deletes nothing";
+            EXPECT_TRUE(QFileInfo::exists(s.f.other));
+        }
+        ASSERT_TRUE(s.f.waitForIdle());
+    }
+}
+
+TEST(CleanupViewTest, RowsOfferShowInFinderInfoAndSpinners)
+{
+    Screen s;
+    s.f.buildDeveloperTree();
+    QList<bool> spinnerWhileScanning;
+    s.show();
+    QObject::connect(s.f.model.get(), &AppViewModel::localFilesChanged, s.view, [&] {
+        const QModelIndex first = s.tree()->model()->index(0, XcodeCleanupTreeModel::sizeColumn);
+        if (first.isValid())
+            spinnerWhileScanning << first.data(XcodeCleanupTreeModel::sizeIsUnknownRole).toBool();
+    });
+    ASSERT_TRUE(waitUntil([&] { return s.f.model->hasFileManager(); }));
+    ASSERT_TRUE(s.f.waitForIdle());
+    ASSERT_FALSE(spinnerWhileScanning.isEmpty());
+    EXPECT_TRUE(spinnerWhileScanning.first()) << "sizes are unknown until their location is scanned";
+    EXPECT_FALSE(s.tree()
+                     ->model()
+                     ->index(0, XcodeCleanupTreeModel::sizeColumn)
+                     .data(XcodeCleanupTreeModel::sizeIsUnknownRole)
+                     .toBool());
+
+    // A location row has no paths and so no menu; a derived data row reveals its folder.
+    EXPECT_EQ(s.view->content()->contextMenu(s.row(QStringLiteral("Derived Data"))), nullptr);
+    std::unique_ptr<QMenu> menu(s.view->content()->contextMenu(s.row(QStringLiteral("My App"))));
+    ASSERT_NE(menu, nullptr);
+    QAction* reveal = menu->findChild<QAction*>(QStringLiteral("showInFinderAction"));
+    ASSERT_NE(reveal, nullptr);
+    EXPECT_EQ(reveal->text(), QStringLiteral("Show in Finder"));
+    reveal->trigger();
+    ASSERT_EQ(s.f.workspace.revealed.size(), 1);
+    EXPECT_EQ(s.f.workspace.revealed[0], QStringList {s.f.myApp});
+    std::unique_ptr<QMenu> docs(s.view->content()->contextMenu(s.row(QStringLiteral("Cache from Xcode 15.4"))));
+    docs->findChild<QAction*>(QStringLiteral("showInFinderAction"))->trigger();
+    EXPECT_EQ(s.f.workspace.revealed[1].size(), 2) << "every path of the row is shown";
+
+    QWidget* popover = s.view->content()->showInfoPopover(s.row(QStringLiteral("Derived Data")));
+    ASSERT_NE(popover, nullptr);
+    EXPECT_TRUE(popover->findChild<QLabel*>(QStringLiteral("infoPopoverLabel"))
+                    ->text()
+                    .startsWith(QStringLiteral("These stores build information")));
+    popover->close();
+
+    s.button("downloadXcodePushButton")->click();
+    ASSERT_EQ(s.f.workspace.openedUrls.size(), 1);
+    EXPECT_EQ(s.f.workspace.openedUrls[0].scheme(), QStringLiteral("macappstore"));
+}
+
+TEST(CleanupViewTest, AnEmptyDeveloperFolderShowsTheEmptyState)
+{
+    Screen s;
+    s.f.tree.mkdir(QStringLiteral("home/Library/Developer/Xcode"));
+    s.show();
+    ASSERT_TRUE(waitUntil([&] { return s.f.model->hasFileManager(); }));
+    ASSERT_TRUE(s.f.waitForIdle());
+    EXPECT_TRUE(s.view->content()->isShowingEmptyState());
+    EXPECT_EQ(s.label("emptyStateTitleLabel")->text(), QStringLiteral("No Xcode Data to Clean"));
+    s.f.addDerivedData(QStringLiteral("Late"), 10000);
+    s.button("emptyStateRescanPushButton")->click();
+    EXPECT_FALSE(s.view->content()->isShowingEmptyState()) << "the list shows while scanning";
+    ASSERT_TRUE(s.f.waitForIdle());
+    EXPECT_FALSE(s.view->content()->isShowingEmptyState());
+    EXPECT_TRUE(s.row(QStringLiteral("Late")).isValid());
+    EXPECT_EQ(s.toast->text(), QStringLiteral("Completed"));
+}
