@@ -8,6 +8,7 @@ namespace quillbay {
 class AppViewModel;
 class Defaults;
 class SavedSpaceStore;
+class Workspace;
 
 // The composition root: builds every long-lived store once, in a fixed order, and owns
 // them for the length of the process. Screens receive references. UI thread only.
@@ -26,6 +27,7 @@ public:
     Defaults& defaults() const { return *m_defaults; }
     SavedSpaceStore& savedSpaceStore() const { return *m_savedSpaceStore; }
     AppViewModel& viewModel() const { return *m_viewModel; }
+    Workspace& workspace() const { return *m_workspace; }
 
     bool didCheckVersion() const { return m_didCheckVersion; }
 
@@ -37,6 +39,7 @@ public:
 
 private:
     std::unique_ptr<Defaults> m_defaults;
+    std::unique_ptr<Workspace> m_workspace;
     std::unique_ptr<SavedSpaceStore> m_savedSpaceStore;
     std::unique_ptr<AppViewModel> m_viewModel;
     bool m_didCheckVersion = false;

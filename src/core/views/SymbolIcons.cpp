@@ -39,6 +39,10 @@ const QHash<QString, QStringList>& symbolTable()
         {QStringLiteral("ellipsis.circle"), {QStringLiteral("overflow-menu"), QStringLiteral("application-menu")}},
         {QStringLiteral("checkmark"), {QStringLiteral("checkmark"), QStringLiteral("dialog-ok")}},
         {QStringLiteral("apple.logo"), {QStringLiteral("cpu")}},
+        {QStringLiteral("app"),
+         {QStringLiteral("preferences-desktop-icons"), QStringLiteral("application-x-executable")}},
+        {QStringLiteral("photo"), {QStringLiteral("image-x-generic"), QStringLiteral("view-preview")}},
+        {QStringLiteral("minus.circle"), {QStringLiteral("list-remove"), QStringLiteral("edit-delete")}},
     };
     return table;
 }

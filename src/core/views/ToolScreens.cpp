@@ -1,16 +1,18 @@
 #include "core/views/ToolScreens.h"
 
+#include "assets_maker/views/AssetsMakerView.h"
 #include "core/QuillbayApp.h"
 #include "core/views/ComingSoonPanel.h"
+#include "core/views/WidgetPickers.h"
 
 namespace quillbay {
 
 QWidget* createToolScreen(Tool tool, QuillbayApp& app, QWidget* parent)
 {
-    Q_UNUSED(app);
     switch (tool) {
-    case Tool::xcodeReleases:
     case Tool::assetsMaker:
+        return new AssetsMakerView(app.viewModel(), std::make_unique<WidgetPickers>(parent), parent);
+    case Tool::xcodeReleases:
     case Tool::xcodeCleanup:
     case Tool::homebrewCatalog:
     case Tool::homebrewInstalled:
