@@ -46,7 +46,8 @@ AssetMakerError AssetMakerError::missingTargetSize()
 
 AssetMakerError AssetMakerError::writeFailed(const QString& fileName, const QString& reason)
 {
-    QString text = u"The file “%1” couldn’t be saved."_s.arg(fileName);
+    QString text
+        = fileName.isEmpty() ? u"The file couldn’t be saved."_s : u"The file “%1” couldn’t be saved."_s.arg(fileName);
     if (!reason.isEmpty())
         text += u" "_s + reason;
     return {Kind::writeFailed, text};

@@ -1,14 +1,16 @@
 #pragma once
 
+#include <QException>
 #include <QString>
-#include <exception>
 #include <string>
 
 namespace quillbay {
 
 // The failure of a generation or a drop. Each kind has one fixed user-facing text, which
 // the store shows as a toast; the domain and code tell failures apart in tests and logs.
-class AssetMakerError : public std::exception
+// A QException, so that it crosses from the service's thread to the store's continuation
+// as itself rather than wrapped.
+class AssetMakerError : public QException
 {
 public:
     enum class Kind {
@@ -38,6 +40,8 @@ public:
     int code() const;
     const QString& localizedDescription() const { return m_description; }
     const char* what() const noexcept override { return m_what.c_str(); }
+    void raise() const override { throw *this; }
+    AssetMakerError* clone() const override { return new AssetMakerError(*this); }
 
 private:
     Kind m_kind;

@@ -216,8 +216,9 @@ template <typename Work> void AppViewModel::runAssetGeneration(const QString& ou
                       setToast(error.localizedDescription());
                       setGeneratingAssets(false);
                   })
-        .onFailed(this, [this](const std::exception& error) {
-            setToast(QString::fromStdString(error.what()));
+        .onFailed(this, [this] {
+            // Only allocation failures get here; the run still ends and says so.
+            setToast(AssetMakerError::writeFailed(QString(), QString()).localizedDescription());
             setGeneratingAssets(false);
         });
 }
