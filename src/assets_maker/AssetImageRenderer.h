@@ -30,9 +30,8 @@ QColor background(const QImage& source);
 // when the canvas can't be allocated.
 QImage resized(const QImage& source, const QSize& canvas);
 
-// The PNG bytes of a drawn image. With removesAlpha the alpha channel is dropped (what
-// shows through transparent pixels is black, as in a flattened premultiplied image) and
-// the file is RGB; otherwise it is RGBA. Throws AssetMakerError (save image failed).
+// The PNG bytes of a drawn image. With removesAlpha the picture is composited over black
+// and the file is RGB; otherwise it is RGBA. Throws AssetMakerError (save image failed).
 QByteArray png(const QImage& image, bool removesAlpha, int compressionLevel = defaultCompressionLevel);
 
 } // namespace AssetImageRenderer

@@ -113,7 +113,7 @@ TEST(AssetIconSetTest, LetterboxTakesTheFirstPixelAndRoundsTheMarginFromTheBotto
         ASSERT_FALSE(icon.isNull());
         // Sample away from the picture's own corner pixel, which scaling smears over a few
         // pixels per step of magnification.
-        const int smear = 2 + 2 * ((c.drawn.width() + c.sourceWidth - 1) / c.sourceWidth);
+        const int smear = 2 + 4 * ((c.drawn.width() + c.sourceWidth - 1) / c.sourceWidth);
         for (int y = 0; y < icon.height(); ++y) {
             for (int x = 0; x < icon.width(); ++x) {
                 const bool inside = c.drawn.contains(x, y);
@@ -287,4 +287,22 @@ TEST(AssetIconSetTest, AnOutputPathThatIsAFileFailsToWrite)
     } catch (const AssetMakerError& error) {
         EXPECT_EQ(error.kind(), AssetMakerError::Kind::writeFailed);
     }
+}
+
+TEST(AssetIconSetTest, FlatteningCompositesHalfTransparentPixelsOverBlack)
+{
+    Output run;
+    const QByteArray image = test::cornerMarkedPng(64, 64, Qt::transparent, QColor(200, 100, 50, 128));
+    run.service.generateAppIcons(image, Option::allSize, Option::singleSize, Option::none, false,
+                                 AssetCatalogLayout::bundledTemplateFolder(), run.out);
+    const QImage flat = test::readPng(run.set(AssetCatalogLayout::iOSSetFolder() + QStringLiteral("/ios-1024.png")));
+    ASSERT_FALSE(flat.isNull());
+    const QColor middle = flat.pixelColor(512, 512);
+    EXPECT_NEAR(middle.red(), 100, 2);
+    EXPECT_NEAR(middle.green(), 50, 2);
+    EXPECT_NEAR(middle.blue(), 25, 2);
+    const QImage mac
+        = test::readPng(run.set(AssetCatalogLayout::macOSSetFolder() + QStringLiteral("/icon_512x512@2x.png")));
+    EXPECT_NEAR(mac.pixelColor(512, 512).alpha(), 128, 1);
+    EXPECT_NEAR(mac.pixelColor(512, 512).red(), 200, 3);
 }

@@ -41,6 +41,7 @@ int main(int argc, char** argv)
     using Renderer = std::function<void(const QString&)>;
     const std::vector<std::pair<const char*, Renderer>> renderers {
         {"shell", quillbay::screenshots::renderShellScreenshots},
+        {"assets-maker", quillbay::screenshots::renderAssetsMakerScreenshots},
     };
     for (const auto& [name, render] : renderers) {
         std::printf("== %s\n", name);

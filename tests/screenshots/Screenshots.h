@@ -10,5 +10,6 @@ namespace quillbay::screenshots {
 void save(QWidget* widget, const QString& outDir, const QString& name);
 
 void renderShellScreenshots(const QString& outDir);
+void renderAssetsMakerScreenshots(const QString& outDir);
 
 } // namespace quillbay::screenshots
