@@ -198,35 +198,43 @@ void benchInput(const char* label, const QImage& image, const QString& magick, c
     const QString theirs = QDir(work).filePath(u"imagemagick"_s);
 
     std::printf("\n## Input: %s (%s, %lld bytes)\n\n", label, qPrintable(input), static_cast<long long>(bytes.size()));
-    std::printf(
-        "| run | median ms | bytes written | time vs ImageMagick | bytes vs ImageMagick |\n|---|---|---|---|---|\n");
+    std::printf("| run | median ms | bytes written | time vs ImageMagick | bytes vs ImageMagick |\n"
+                "|---|---|---|---|---|\n");
+    // The machine is shared, so the runs are interleaved: each round runs ImageMagick and
+    // then every configuration of ours once, and the medians are taken per configuration.
+    struct Config
+    {
+        int level;
+        int threads;
+        std::vector<double> times;
+        qint64 bytes = 0;
+    };
+    const int poolThreads = QThreadPool::globalInstance()->maxThreadCount();
+    std::vector<Config> configs {{AssetImageRenderer::defaultCompressionLevel, 1, {}}};
+    for (const int level : {1, 2, 3, 4, 6, 9})
+        configs.push_back({level, poolThreads, {}});
     std::vector<double> magickTimes;
-    for (int i = 0; i < kRuns; ++i)
+    for (int round = 0; round < kRuns; ++round) {
         magickTimes.push_back(imageMagickRun(magick, input, theirs));
+        for (Config& config : configs) {
+            QThreadPool::globalInstance()->setMaxThreadCount(config.threads);
+            config.times.push_back(ourRun(bytes, ours, config.level));
+            config.bytes = folderBytes(ours);
+        }
+    }
+    QThreadPool::globalInstance()->setMaxThreadCount(poolThreads);
     const double magickMs = median(magickTimes);
     const qint64 magickBytes = folderBytes(theirs);
     std::printf("| ImageMagick Lanczos, one process per set | %.0f | %lld | 1.00 | 1.00 |\n", magickMs,
                 static_cast<long long>(magickBytes));
-
-    const int threadsBefore = QThreadPool::globalInstance()->maxThreadCount();
-    for (const int threads : {1, threadsBefore}) {
-        QThreadPool::globalInstance()->setMaxThreadCount(threads);
-        for (const int level : {1, 2, 3, 4, 6, 9}) {
-            if (threads == 1 && level != 3)
-                continue;
-            std::vector<double> times;
-            for (int i = 0; i < kRuns; ++i)
-                times.push_back(ourRun(bytes, ours, level));
-            const double ms = median(times);
-            const qint64 written = folderBytes(ours);
-            std::printf("| Quillbay, zlib level %d, %d thread%s%s | %.0f | %lld | %.3f | %.3f |\n", level, threads,
-                        threads == 1 ? "" : "s",
-                        level == AssetImageRenderer::defaultCompressionLevel && threads == threadsBefore ? " (default)"
-                                                                                                         : "",
-                        ms, static_cast<long long>(written), ms / magickMs, double(written) / magickBytes);
-        }
+    for (const Config& config : configs) {
+        const double ms = median(config.times);
+        const bool isDefault
+            = config.level == AssetImageRenderer::defaultCompressionLevel && config.threads == poolThreads;
+        std::printf("| Quillbay, zlib level %d, %d thread%s%s | %.0f | %lld | %.3f | %.3f |\n", config.level,
+                    config.threads, config.threads == 1 ? "" : "s", isDefault ? " (default)" : "", ms,
+                    static_cast<long long>(config.bytes), ms / magickMs, double(config.bytes) / magickBytes);
     }
-    QThreadPool::globalInstance()->setMaxThreadCount(threadsBefore);
 
     // Quality at the default level: each of our files against ImageMagick's file of the same name.
     ourRun(bytes, ours, AssetImageRenderer::defaultCompressionLevel);

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "AssetTestImages.h"
+#include "assets_maker/AssetFolderTools.h"
 #include "assets_maker/AssetMakerError.h"
 #include "core/AppViewModel.h"
 #include "core/state/SavedSpaceStore.h"
@@ -240,4 +241,15 @@ TEST(AppViewModelAssetsTest, AnImageSetRunUsesTheInputsAsTheyWereAtItsStart)
                             QStringLiteral("two@3x.png")}));
     EXPECT_EQ(s.successes.size(), 1);
     EXPECT_EQ(s.workspace.revealed, QStringList {out});
+}
+
+TEST(AssetFolderToolsTest, TimestampNameIsLocalTimeWithUnderscores)
+{
+    const QDateTime local(QDate(2024, 3, 5), QTime(7, 8, 9), Qt::LocalTime);
+    EXPECT_EQ(Tools::timestampName(local), QStringLiteral("20240305_07_08_09"));
+    // A moment given in another zone is shown as the local clock read it.
+    const QDateTime utc = local.toUTC();
+    EXPECT_EQ(Tools::timestampName(utc), QStringLiteral("20240305_07_08_09"));
+    EXPECT_EQ(Tools::timestampName(QDateTime(QDate(2023, 12, 31), QTime(23, 59, 59), Qt::LocalTime)),
+              QStringLiteral("20231231_23_59_59"));
 }
