@@ -8,7 +8,7 @@ packages=(
     qt6-base-dev qt6-base-dev-tools qt6-svg-dev qt6-httpserver-dev qt6-websockets-dev
     qt6-image-formats-plugins libqt6svg6 breeze-icon-theme libgl-dev
     libsimdjson-dev libplist-dev nlohmann-json3-dev libssl-dev openssl
-    libgtest-dev libgmock-dev googletest libbenchmark-dev hyperfine
+    libgtest-dev libgmock-dev googletest libbenchmark-dev hyperfine imagemagick
 )
 
 missing=()

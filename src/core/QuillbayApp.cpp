@@ -51,6 +51,7 @@ QuillbayApp::QuillbayApp(std::unique_ptr<Defaults> defaults, std::unique_ptr<Pic
     m_homebrewCacheCleanupStore = std::make_unique<HomebrewCacheCleanupStore>(HomebrewCacheCleanupServices {
         *m_defaults, *m_savedSpaceStore, *m_pickers, UserPaths::system(),
         [this](const QDateTime& when) { m_engagementPromptStore->recordSuccessfulAction(when); }});
+    m_viewModel->setAssetsWorkspace(m_workspace.get());
 }
 
 // --- Updates and engagement -----------------------------------------------------------

@@ -27,6 +27,8 @@ public:
         QString suggestedName;
         QString message;
         QString prompt;
+        QString title; // the panel's title; empty keeps the toolkit's
+        QString nameFieldLabel; // the label of the name field; empty keeps the toolkit's
     };
 
     virtual ~Pickers() = default;

@@ -45,6 +45,7 @@ int main(int argc, char** argv)
         {"homebrew-cache", quillbay::screenshots::renderHomebrewCacheScreenshots},
         {"engagement", quillbay::screenshots::renderEngagementScreenshots},
         {"xcode-cleanup", quillbay::screenshots::renderXcodeCleanupScreenshots},
+        {"assets-maker", quillbay::screenshots::renderAssetsMakerScreenshots},
     };
     for (const auto& [name, render] : renderers) {
         std::printf("== %s\n", name);

@@ -14,5 +14,6 @@ void renderXcodeReleasesScreenshots(const QString& outDir);
 void renderHomebrewCacheScreenshots(const QString& outDir);
 void renderEngagementScreenshots(const QString& outDir);
 void renderXcodeCleanupScreenshots(const QString& outDir);
+void renderAssetsMakerScreenshots(const QString& outDir);
 
 } // namespace quillbay::screenshots

@@ -76,6 +76,10 @@ const QHash<QString, QStringList>& symbolTable()
         {QStringLiteral("tv"), {QStringLiteral("video-television"), QStringLiteral("input-tvremote")}},
         {QStringLiteral("vision.pro"), {QStringLiteral("video-headset"), QStringLiteral("audio-headset")}},
         {QStringLiteral("desktopcomputer"), {QStringLiteral("computer"), QStringLiteral("video-display")}},
+        {QStringLiteral("app"),
+         {QStringLiteral("preferences-desktop-icons"), QStringLiteral("application-x-executable")}},
+        {QStringLiteral("photo"), {QStringLiteral("image-x-generic"), QStringLiteral("view-preview")}},
+        {QStringLiteral("minus.circle"), {QStringLiteral("list-remove"), QStringLiteral("edit-delete")}},
     };
     return table;
 }

@@ -6,6 +6,10 @@
 #include "homebrew_cache/views/HomebrewCacheCleanupView.h"
 #include "xcode_cleanup/views/CleanupView.h"
 #include "xcode_releases/views/XcodeReleasesView.h"
+#include "assets_maker/views/AssetsMakerView.h"
+#include "core/QuillbayApp.h"
+#include "core/views/ComingSoonPanel.h"
+#include "core/views/WidgetPickers.h"
 
 namespace quillbay {
 
@@ -14,6 +18,9 @@ QWidget* createToolScreen(Tool tool, QuillbayApp& app, QWidget* parent)
     switch (tool) {
     case Tool::homebrewCleanup:
         return new HomebrewCacheCleanupView(app.homebrewCacheCleanupStore(), parent);
+    case Tool::assetsMaker:
+        return new AssetsMakerView(app.viewModel(), std::make_unique<WidgetPickers>(parent), parent);
+    case Tool::xcodeReleases:
     case Tool::xcodeCleanup:
         return new CleanupView(app.viewModel(), parent);
     case Tool::xcodeReleases:

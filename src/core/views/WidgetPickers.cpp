@@ -38,6 +38,10 @@ void WidgetPickers::chooseSaveLocation(const SaveRequest& request, Answer answer
     dialog->selectFile(request.suggestedName);
     if (!request.prompt.isEmpty())
         dialog->setLabelText(QFileDialog::Accept, request.prompt);
+    if (!request.title.isEmpty())
+        dialog->setWindowTitle(request.title);
+    if (!request.nameFieldLabel.isEmpty())
+        dialog->setLabelText(QFileDialog::FileName, request.nameFieldLabel);
     dialog->setObjectName(QStringLiteral("chooseSaveLocationDialog"));
     auto shared = std::make_shared<Answer>(std::move(answer));
     auto answered = std::make_shared<bool>(false);

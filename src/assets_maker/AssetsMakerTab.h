@@ -1,0 +1,11 @@
+#pragma once
+
+namespace quillbay {
+
+// The tabs of the assets maker, in screen order.
+enum class AssetsMakerTab {
+    appIcon,
+    imageSet,
+};
+
+} // namespace quillbay

@@ -1,0 +1,255 @@
+#include <QDir>
+#include <QFileInfo>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include "AssetTestImages.h"
+#include "assets_maker/AssetFolderTools.h"
+#include "assets_maker/AssetMakerError.h"
+#include "core/AppViewModel.h"
+#include "core/state/SavedSpaceStore.h"
+#include "foundation/Defaults.h"
+#include "platform/Workspace.h"
+#include "testsupport/TempTree.h"
+#include "testsupport/TestEnvironment.h"
+
+using namespace quillbay;
+using Option = AppIconOption;
+using S = AssetScale;
+
+namespace {
+
+// The desktop double: records what the store asked to reveal.
+class RecordingWorkspace final : public Workspace
+{
+public:
+    bool openUrl(const QUrl&) override { return true; }
+    bool revealFiles(const QStringList& paths) override
+    {
+        revealed << paths;
+        return true;
+    }
+    std::optional<QString> applicationPath(const QString&) override { return std::nullopt; }
+    QStringList runningApplicationIdentifiers() override { return {}; }
+    bool openTerminal(const QString&) override { return true; }
+
+    QStringList revealed;
+};
+
+struct Store
+{
+    test::TempTree tree;
+    SettingsDefaults defaults {tree.path(QStringLiteral("defaults.ini"))};
+    SavedSpaceStore saved {defaults, QStringLiteral("TotalBytesDeleted")};
+    AppViewModel model {defaults, saved};
+    RecordingWorkspace workspace;
+    QSignalSpy successes {&model, &AppViewModel::successfulActionCompleted};
+
+    Store() { model.setAssetsWorkspace(&workspace); }
+
+    QString toast() const { return model.toastMessage().value_or(QString()); }
+    bool waitForRun()
+    {
+        return test::waitUntil([this] { return !model.generatingAssets(); });
+    }
+    QUrl file(const QString& name, const QByteArray& bytes) { return QUrl::fromLocalFile(tree.writeFile(name, bytes)); }
+};
+
+const QByteArray kImage = test::cornerMarkedPng(64, 64, QColor(255, 0, 0), QColor(0, 0, 255));
+
+} // namespace
+
+TEST(AppViewModelAssetsTest, StartsWithTheDocumentedInputs)
+{
+    Store s;
+    EXPECT_EQ(s.model.tabViewSelection(), AssetsMakerTab::appIcon);
+    EXPECT_EQ(s.model.macOSSelection(), Option::none);
+    EXPECT_EQ(s.model.selectedScales(), (QList<AssetScale> {S::x1, S::x2, S::x3}));
+    EXPECT_EQ(s.model.width(), 44);
+    EXPECT_FALSE(s.model.appIconData());
+    EXPECT_TRUE(s.model.isAppIconGenerationDisabled());
+    EXPECT_TRUE(s.model.isMergeDisabled());
+    EXPECT_TRUE(s.model.isImageSetGenerationDisabled());
+}
+
+TEST(AppViewModelAssetsTest, ButtonsFollowImagePlatformsScalesAndSize)
+{
+    Store s;
+    s.model.setIOSSelection(Option::allSize);
+    EXPECT_TRUE(s.model.isAppIconGenerationDisabled()) << "no image yet";
+    s.model.setAppIconImage(kImage);
+    EXPECT_FALSE(s.model.isAppIconGenerationDisabled());
+    EXPECT_TRUE(s.model.isMergeDisabled()) << "watchOS is none";
+    s.model.setWatchOSSelection(Option::singleSize);
+    EXPECT_FALSE(s.model.isMergeDisabled());
+    s.model.setIOSSelection(Option::none);
+    s.model.setWatchOSSelection(Option::none);
+    s.model.setMacOSSelection(Option::singleSize);
+    EXPECT_FALSE(s.model.isAppIconGenerationDisabled()) << "any option but none enables the button";
+
+    s.model.addImageSetFile(s.file(QStringLiteral("a.png"), kImage));
+    EXPECT_FALSE(s.model.isImageSetGenerationDisabled());
+    struct Case
+    {
+        const char* name;
+        bool x1, x2, x3, setSize;
+        qint64 width, height;
+        bool disabled;
+        const char* label3x;
+    };
+    const Case cases[] = {
+        {"all scales, no size", true, true, true, false, 44, 44, false, "3x"},
+        {"no scale at all", false, false, false, false, 44, 44, true, "3x"},
+        {"44 x 44", true, true, true, true, 44, 44, false, "3x: (132 × 132)"},
+        {"2731 x 1 at 3x", false, false, true, true, 2731, 1, true, "3x"},
+        {"2731 x 1 at 2x", false, true, false, true, 2731, 1, false, "3x"},
+        {"zero width", true, false, false, true, 0, 10, true, "3x"},
+        {"size typed while off", true, false, false, false, 0, 0, false, "3x"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        s.model.setScaleSelected(S::x1, c.x1);
+        s.model.setScaleSelected(S::x2, c.x2);
+        s.model.setScaleSelected(S::x3, c.x3);
+        s.model.setSetSize(c.setSize);
+        s.model.setWidth(c.width);
+        s.model.setHeight(c.height);
+        EXPECT_EQ(s.model.isImageSetGenerationDisabled(), c.disabled);
+        EXPECT_EQ(s.model.scaleLabel(S::x3), QString::fromUtf8(c.label3x));
+    }
+    s.model.setSetSize(true);
+    s.model.setWidth(2731);
+    s.model.setHeight(1);
+    EXPECT_EQ(s.model.scaleLabel(S::x2), QStringLiteral("2x: (5462 × 2)"));
+}
+
+TEST(AppViewModelAssetsTest, DroppedFilesAreCheckedAndNamedByTheirBaseName)
+{
+    Store s;
+    const QString exists = AssetMakerError::fileExists().localizedDescription();
+    const QString corrupt = AssetMakerError::corruptFile().localizedDescription();
+    const std::pair<QUrl, QString> drops[] = {
+        {s.file(QStringLiteral("Photo.png"), kImage), QString()},
+        {s.file(QStringLiteral("photo.jpg"), kImage), exists},
+        {s.file(QStringLiteral("notes.txt"), "plain text"), corrupt},
+        {s.file(QStringLiteral("cut.png"), kImage.left(kImage.size() / 2)), corrupt},
+        {QUrl::fromLocalFile(s.tree.path(QStringLiteral("gone.png"))), corrupt},
+        {QUrl(QStringLiteral("https://example.com/a.png")), corrupt},
+        {s.file(QStringLiteral("icon.dark.png"), kImage), QString()},
+        {s.file(QStringLiteral("Cafe\u0301.png"), kImage), QString()},
+        {s.file(QStringLiteral("café.png"), kImage), exists},
+    };
+    for (const auto& [url, toast] : drops) {
+        SCOPED_TRACE(url.toString().toStdString());
+        s.model.clearToast();
+        s.model.addImageSetFile(url);
+        EXPECT_EQ(s.toast(), toast);
+    }
+    ASSERT_EQ(s.model.imageSet().size(), 3);
+    EXPECT_EQ(s.model.imageSet()[0].fileName, QStringLiteral("Photo"));
+    EXPECT_EQ(s.model.imageSet()[1].fileName, QStringLiteral("icon.dark"));
+    EXPECT_FALSE(QImage::fromData(s.model.imageSet()[0].imageData, "PNG").isNull());
+
+    s.model.removeImageSetItem(s.model.imageSet()[0].id);
+    ASSERT_EQ(s.model.imageSet().size(), 2);
+    s.model.addImageSetFile(s.file(QStringLiteral("photo.jpg"), kImage));
+    EXPECT_EQ(s.model.imageSet().size(), 3) << "the name is free again";
+
+    s.model.setAppIconImage(kImage);
+    s.model.setAppIconImage("not an image");
+    EXPECT_EQ(s.toast(), corrupt);
+    EXPECT_EQ(s.model.appIconData(), kImage) << "the previous image stays";
+}
+
+TEST(AppViewModelAssetsTest, AGoodRunRevealsTheFolderCountsOnceAndIgnoresASecondStart)
+{
+    Store s;
+    s.model.setAppIconImage(kImage);
+    s.model.setMacOSSelection(Option::allSize);
+    s.model.setIOSSelection(Option::singleSize);
+    const QString out = s.tree.path(QStringLiteral("Assets"));
+    s.model.generateAppIcons(out);
+    EXPECT_TRUE(s.model.generatingAssets());
+    EXPECT_TRUE(s.model.isAppIconGenerationDisabled());
+    s.model.generateAppIcons(s.tree.path(QStringLiteral("Second")));
+    s.model.generateImageSet(s.tree.path(QStringLiteral("Third")));
+    ASSERT_TRUE(s.waitForRun());
+    EXPECT_EQ(s.successes.size(), 1);
+    EXPECT_EQ(s.workspace.revealed, QStringList {out});
+    EXPECT_FALSE(s.model.toastMessage());
+    EXPECT_TRUE(QFileInfo::exists(out + QStringLiteral("/macOS/AppIcon.appiconset/Contents.json")));
+    EXPECT_TRUE(QFileInfo::exists(out + QStringLiteral("/iOS/AppIcon.appiconset/ios-1024.png")));
+    EXPECT_FALSE(QFileInfo::exists(s.tree.path(QStringLiteral("Second"))));
+    EXPECT_FALSE(QFileInfo::exists(s.tree.path(QStringLiteral("Third"))));
+    EXPECT_TRUE(s.model.appIconData()) << "the image stays on screen";
+}
+
+TEST(AppViewModelAssetsTest, AFailedRunShowsItsTextAndLeavesThePartialOutput)
+{
+    Store s;
+    const QString templates = s.tree.mkdir(QStringLiteral("templates"));
+    test::writeTemplate(templates, QStringLiteral("macOS_contents.json"),
+                        R"({"images" : [ {"idiom" : "mac", "size" : "16x16", "filename" : "m.png"} ]})");
+    test::writeTemplate(templates, QStringLiteral("iOS_allSize_contents.json"), "{ truncated");
+    s.model.setAssetTemplateFolder(templates);
+    s.model.setAppIconImage(kImage);
+    s.model.setMacOSSelection(Option::allSize);
+    s.model.setIOSSelection(Option::allSize);
+    const QString out = s.tree.path(QStringLiteral("Assets"));
+    s.model.generateAppIcons(out);
+    ASSERT_TRUE(s.waitForRun());
+    EXPECT_EQ(s.toast(), AssetMakerError::corruptData().localizedDescription());
+    EXPECT_EQ(s.successes.size(), 0);
+    EXPECT_TRUE(s.workspace.revealed.isEmpty());
+    EXPECT_TRUE(QFileInfo::exists(out + QStringLiteral("/macOS/AppIcon.appiconset/m.png")));
+    EXPECT_FALSE(s.model.isAppIconGenerationDisabled()) << "a new run can start";
+}
+
+TEST(AppViewModelAssetsTest, AMissingImageOrTemplateFolderEndsTheRunBeforeItStarts)
+{
+    Store s;
+    s.model.setIOSSelection(Option::allSize);
+    s.model.generateAppIcons(s.tree.path(QStringLiteral("a")));
+    EXPECT_EQ(s.toast(), AssetMakerError::noSuchFile().localizedDescription());
+    EXPECT_FALSE(s.model.generatingAssets());
+
+    s.model.clearToast();
+    s.model.setAppIconImage(kImage);
+    s.model.setAssetTemplateFolder(s.tree.path(QStringLiteral("no-templates")));
+    s.model.generateAppIcons(s.tree.path(QStringLiteral("b")));
+    EXPECT_EQ(s.toast(), AssetMakerError::noSuchFile().localizedDescription());
+    EXPECT_FALSE(s.model.generatingAssets());
+    EXPECT_FALSE(QFileInfo::exists(s.tree.path(QStringLiteral("b"))));
+}
+
+TEST(AppViewModelAssetsTest, AnImageSetRunUsesTheInputsAsTheyWereAtItsStart)
+{
+    Store s;
+    s.model.addImageSetFile(s.file(QStringLiteral("one.png"), kImage));
+    s.model.addImageSetFile(s.file(QStringLiteral("two.png"), kImage));
+    s.model.setScaleSelected(S::x1, false);
+    const QString out = s.tree.path(QStringLiteral("Images"));
+    s.model.generateImageSet(out);
+    // Changes after the start don't reach the running copy.
+    s.model.removeImageSetItem(s.model.imageSet()[1].id);
+    s.model.setScaleSelected(S::x1, true);
+    ASSERT_TRUE(s.waitForRun());
+    EXPECT_EQ(QDir(out).entryList(QDir::Files),
+              (QStringList {QStringLiteral("one@2x.png"), QStringLiteral("one@3x.png"), QStringLiteral("two@2x.png"),
+                            QStringLiteral("two@3x.png")}));
+    EXPECT_EQ(s.successes.size(), 1);
+    EXPECT_EQ(s.workspace.revealed, QStringList {out});
+}
+
+TEST(AssetFolderToolsTest, TimestampNameIsLocalTimeWithUnderscores)
+{
+    const QDateTime local(QDate(2024, 3, 5), QTime(7, 8, 9), Qt::LocalTime);
+    EXPECT_EQ(Tools::timestampName(local), QStringLiteral("20240305_07_08_09"));
+    // A moment given in another zone is shown as the local clock read it.
+    const QDateTime utc = local.toUTC();
+    EXPECT_EQ(Tools::timestampName(utc), QStringLiteral("20240305_07_08_09"));
+    EXPECT_EQ(Tools::timestampName(QDateTime(QDate(2023, 12, 31), QTime(23, 59, 59), Qt::LocalTime)),
+              QStringLiteral("20231231_23_59_59"));
+}

@@ -1,0 +1,213 @@
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDropEvent>
+#include <QFileInfo>
+#include <QLabel>
+#include <QListWidget>
+#include <QMimeData>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QSpinBox>
+#include <QTabWidget>
+#include <QToolButton>
+
+#include <gtest/gtest.h>
+
+#include "AssetTestImages.h"
+#include "assets_maker/AssetMakerError.h"
+#include "assets_maker/views/AppIconTab.h"
+#include "assets_maker/views/AssetsMakerView.h"
+#include "assets_maker/views/ImageDropArea.h"
+#include "assets_maker/views/ImageSetListWidget.h"
+#include "assets_maker/views/ImageSetTab.h"
+#include "core/AppViewModel.h"
+#include "core/state/SavedSpaceStore.h"
+#include "foundation/Defaults.h"
+#include "platform/Pickers.h"
+#include "testsupport/TempTree.h"
+#include "testsupport/TestEnvironment.h"
+
+using namespace quillbay;
+
+namespace {
+
+// The user at the save panel: records the request and answers with a scripted folder.
+class ScriptedPickers final : public Pickers
+{
+public:
+    void chooseFolder(const FolderRequest&, Answer answer) override { answer(std::nullopt); }
+    void chooseSaveLocation(const SaveRequest& request, Answer answer) override
+    {
+        requests.append(request);
+        answer(reply);
+    }
+
+    QList<SaveRequest> requests;
+    std::optional<QString> reply;
+};
+
+struct Screen
+{
+    test::TempTree tree;
+    SettingsDefaults defaults {tree.path(QStringLiteral("defaults.ini"))};
+    SavedSpaceStore saved {defaults, QStringLiteral("TotalBytesDeleted")};
+    AppViewModel model {defaults, saved};
+    ScriptedPickers* pickers = new ScriptedPickers;
+    AssetsMakerView view {model, std::unique_ptr<Pickers>(pickers)};
+
+    Screen()
+    {
+        view.resize(900, 600);
+        view.show();
+    }
+
+    template <typename T> T* find(const char* name) const
+    {
+        T* widget = view.findChild<T*>(QString::fromLatin1(name));
+        EXPECT_NE(widget, nullptr) << name;
+        return widget;
+    }
+
+    QUrl file(const QString& name, const QByteArray& bytes) { return QUrl::fromLocalFile(tree.writeFile(name, bytes)); }
+};
+
+// Delivers a drop as the window system would: the drag enters the widget, which must
+// accept it to become the target, and then the data is dropped there.
+void drop(QWidget* target, const QList<QUrl>& urls)
+{
+    QMimeData mime;
+    mime.setUrls(urls);
+    QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(target, &enter);
+    ASSERT_TRUE(enter.isAccepted());
+    QDropEvent event(QPointF(10, 10), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(target, &event);
+    EXPECT_TRUE(event.isAccepted());
+}
+
+const QByteArray kImage = test::cornerMarkedPng(120, 80, QColor(250, 250, 0), QColor(0, 120, 200));
+
+} // namespace
+
+TEST(AssetsMakerViewTest, AppIconTabTakesADroppedImageAndEnablesGenerate)
+{
+    Screen s;
+    auto* tabs = s.find<QTabWidget>("assetsMakerTabWidget");
+    EXPECT_EQ(tabs->tabText(0), QStringLiteral("AppIcon"));
+    EXPECT_EQ(tabs->tabText(1), QStringLiteral("Image Set"));
+    auto* placeholder = s.find<QLabel>("dropPlaceholderLabel");
+    auto* generate = s.find<QPushButton>("generateAppIconPushButton");
+    auto* reason = s.find<QLabel>("appIconDisabledLabel");
+    auto* merge = s.find<QCheckBox>("mergeCheckBox");
+    EXPECT_EQ(placeholder->text(), QStringLiteral("Drag and drop a image file here"));
+    EXPECT_TRUE(placeholder->isVisible());
+    EXPECT_FALSE(generate->isEnabled());
+    EXPECT_TRUE(reason->isVisible());
+    EXPECT_EQ(reason->text(), QStringLiteral("No image or no target platform"));
+
+    drop(s.find<ImageDropArea>("appIconDropArea"), {s.file(QStringLiteral("icon.png"), kImage)});
+    EXPECT_EQ(s.model.appIconData(), kImage);
+    EXPECT_FALSE(placeholder->isVisible());
+    EXPECT_FALSE(generate->isEnabled()) << "no platform yet";
+
+    auto* macOS = s.find<QComboBox>("macOSComboBox");
+    auto* iOS = s.find<QComboBox>("iOSComboBox");
+    auto* watchOS = s.find<QComboBox>("watchOSComboBox");
+    EXPECT_EQ(macOS->count(), 2) << "macOS offers None and All Size";
+    EXPECT_EQ(iOS->itemText(1), QStringLiteral("Single Size"));
+    EXPECT_FALSE(merge->isEnabled());
+    iOS->setCurrentIndex(2);
+    EXPECT_EQ(s.model.iOSSelection(), AppIconOption::allSize);
+    EXPECT_TRUE(generate->isEnabled());
+    EXPECT_FALSE(reason->isVisible());
+    EXPECT_FALSE(merge->isEnabled());
+    watchOS->setCurrentIndex(1);
+    ASSERT_TRUE(merge->isEnabled());
+    merge->click();
+    EXPECT_TRUE(s.model.mergeIOSWatchOS());
+
+    drop(s.find<ImageDropArea>("appIconDropArea"), {s.file(QStringLiteral("notes.png"), "not an image")});
+    EXPECT_EQ(s.model.toastMessage(), AssetMakerError::corruptFile().localizedDescription());
+    EXPECT_EQ(s.model.appIconData(), kImage);
+}
+
+TEST(AssetsMakerViewTest, GenerateAsksForAFolderAndRunsTheOpenTab)
+{
+    Screen s;
+    s.model.setAppIconImage(kImage);
+    s.model.setWatchOSSelection(AppIconOption::singleSize);
+    auto* generate = s.find<QPushButton>("generateAppIconPushButton");
+
+    generate->click(); // the user cancels
+    ASSERT_EQ(s.pickers->requests.size(), 1);
+    const Pickers::SaveRequest& request = s.pickers->requests[0];
+    EXPECT_TRUE(
+        QRegularExpression(QStringLiteral("^\\d{8}_\\d{2}_\\d{2}_\\d{2}$")).match(request.suggestedName).hasMatch())
+        << request.suggestedName.toStdString();
+    EXPECT_EQ(request.title, QStringLiteral("Save your Asset Folder"));
+    EXPECT_EQ(request.message, QStringLiteral("Choose a folder and a name to store your asset."));
+    EXPECT_EQ(request.nameFieldLabel, QStringLiteral("Folder Name:"));
+    EXPECT_FALSE(s.model.generatingAssets());
+
+    const QString out = s.tree.path(QStringLiteral("Chosen"));
+    s.pickers->reply = out;
+    generate->click();
+    EXPECT_FALSE(generate->isEnabled()) << "unavailable during the run";
+    EXPECT_TRUE(s.find<QLabel>("appIconDisabledLabel")->isVisible());
+    ASSERT_TRUE(test::waitUntil([&] { return !s.model.generatingAssets(); }));
+    EXPECT_TRUE(generate->isEnabled());
+    EXPECT_TRUE(QFileInfo::exists(out + QStringLiteral("/watchOS/AppIcon.appiconset/watchos-1024.png")));
+}
+
+TEST(AssetsMakerViewTest, ImageSetTabListsDroppedFilesWithScalesAndSize)
+{
+    Screen s;
+    auto* tabs = s.find<QTabWidget>("assetsMakerTabWidget");
+    tabs->setCurrentIndex(1);
+    EXPECT_EQ(s.model.tabViewSelection(), AssetsMakerTab::imageSet);
+    auto* list = s.find<ImageSetListWidget>("imageSetListWidget");
+    auto* placeholder = s.find<QLabel>("imageSetPlaceholderLabel");
+    auto* generate = s.find<QPushButton>("generateImageSetPushButton");
+    EXPECT_TRUE(placeholder->isVisible());
+    EXPECT_FALSE(generate->isEnabled());
+
+    drop(list->viewport(),
+         {s.file(QStringLiteral("b.png"), kImage), s.file(QStringLiteral("A.png"), kImage),
+          s.file(QStringLiteral("a.PNG"), kImage)});
+    ASSERT_EQ(list->count(), 2);
+    EXPECT_EQ(s.model.toastMessage(), AssetMakerError::fileExists().localizedDescription());
+    EXPECT_FALSE(placeholder->isVisible());
+    EXPECT_EQ(list->itemWidget(list->item(0))->findChild<QLabel*>(QStringLiteral("imageSetNameLabel"))->text(),
+              QStringLiteral("b"));
+    EXPECT_TRUE(generate->isEnabled());
+
+    list->itemWidget(list->item(0))->findChild<QToolButton*>(QStringLiteral("removeImageSetItemToolButton"))->click();
+    ASSERT_EQ(list->count(), 1);
+    EXPECT_EQ(s.model.imageSet()[0].fileName, QStringLiteral("A"));
+
+    auto* x2 = s.find<QCheckBox>("x2CheckBox");
+    auto* setSize = s.find<QCheckBox>("setSizeCheckBox");
+    auto* width = s.find<QSpinBox>("widthSpinBox");
+    EXPECT_EQ(x2->text(), QStringLiteral("2x"));
+    EXPECT_FALSE(width->isVisible());
+    setSize->click();
+    EXPECT_TRUE(width->isVisible());
+    EXPECT_EQ(x2->text(), QStringLiteral("2x: (88 × 88)"));
+    width->setValue(100);
+    EXPECT_EQ(x2->text(), QStringLiteral("2x: (200 × 88)"));
+    width->setValue(2731);
+    EXPECT_FALSE(generate->isEnabled()) << "8193 pixels at 3x";
+    EXPECT_EQ(s.find<QCheckBox>("x3CheckBox")->text(), QStringLiteral("3x"));
+    s.find<QCheckBox>("x3CheckBox")->click();
+    EXPECT_TRUE(generate->isEnabled());
+    for (const char* name : {"x1CheckBox", "x2CheckBox"})
+        s.find<QCheckBox>(name)->click();
+    EXPECT_FALSE(generate->isEnabled());
+    EXPECT_TRUE(s.find<QLabel>("imageSetDisabledLabel")->isVisible());
+    EXPECT_EQ(s.find<QLabel>("imageSetDisabledLabel")->text(), QStringLiteral("No image or no target size"));
+
+    list->itemWidget(list->item(0))->findChild<QToolButton*>(QStringLiteral("removeImageSetItemToolButton"))->click();
+    EXPECT_EQ(list->count(), 0);
+    EXPECT_TRUE(placeholder->isVisible());
+}
