@@ -83,7 +83,6 @@ private:
     bool m_isForceUpdateAlertPresented = false;
     std::function<void()> m_quit;
     // ------------------------------------------------------------------------------------
-    std::unique_ptr<Workspace> m_workspace;
     std::unique_ptr<SavedSpaceStore> m_savedSpaceStore;
     // --- Updates and engagement -------------------------------------------------------
     std::unique_ptr<EngagementPromptStore> m_engagementPromptStore;

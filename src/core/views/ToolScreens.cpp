@@ -1,15 +1,13 @@
 #include "core/views/ToolScreens.h"
 
+#include "assets_maker/views/AssetsMakerView.h"
 #include "core/AppViewModel.h"
 #include "core/QuillbayApp.h"
 #include "core/views/ComingSoonPanel.h"
+#include "core/views/WidgetPickers.h"
 #include "homebrew_cache/views/HomebrewCacheCleanupView.h"
 #include "xcode_cleanup/views/CleanupView.h"
 #include "xcode_releases/views/XcodeReleasesView.h"
-#include "assets_maker/views/AssetsMakerView.h"
-#include "core/QuillbayApp.h"
-#include "core/views/ComingSoonPanel.h"
-#include "core/views/WidgetPickers.h"
 
 namespace quillbay {
 
@@ -20,12 +18,10 @@ QWidget* createToolScreen(Tool tool, QuillbayApp& app, QWidget* parent)
         return new HomebrewCacheCleanupView(app.homebrewCacheCleanupStore(), parent);
     case Tool::assetsMaker:
         return new AssetsMakerView(app.viewModel(), std::make_unique<WidgetPickers>(parent), parent);
-    case Tool::xcodeReleases:
     case Tool::xcodeCleanup:
         return new CleanupView(app.viewModel(), parent);
     case Tool::xcodeReleases:
         return new XcodeReleasesView(app.viewModel(), parent);
-    case Tool::assetsMaker:
     case Tool::homebrewCatalog:
     case Tool::homebrewInstalled:
         break;
