@@ -1,5 +1,6 @@
 #include "homebrew_catalog/HomebrewCatalogIndex.h"
 
+#include <QStringMatcher>
 #include <algorithm>
 #include <numeric>
 
@@ -51,25 +52,29 @@ std::vector<int> nameRanks(const QList<HomebrewPackageSummary>& rows)
 
 } // namespace
 
-HomebrewCatalogIndex::HomebrewCatalogIndex(QList<HomebrewPackageSummary> rows)
-    : m_rows(std::move(rows))
+HomebrewCatalogIndex::HomebrewCatalogIndex(QList<HomebrewPackageSummary> list)
+    : m_rows(std::make_shared<const QList<HomebrewPackageSummary>>(std::move(list)))
 {
-    const auto count = static_cast<size_t>(m_rows.size());
-    m_haystacks.reserve(count);
-    for (const HomebrewPackageSummary& row : std::as_const(m_rows)) {
-        QString haystack = foldedSearchKey(row.identifier);
-        haystack += fieldSeparator;
-        haystack += foldedSearchKey(row.displayName);
-        haystack += fieldSeparator;
-        haystack += foldedSearchKey(row.summary);
+    const QList<HomebrewPackageSummary>& rows = *m_rows;
+    const auto count = static_cast<size_t>(rows.size());
+    m_rowStart.reserve(count + 1);
+    for (const HomebrewPackageSummary& row : rows) {
+        m_rowStart.push_back(m_text.size());
+        m_text += foldedSearchKey(row.identifier);
+        m_text += fieldSeparator;
+        m_text += foldedSearchKey(row.displayName);
+        m_text += fieldSeparator;
+        m_text += foldedSearchKey(row.summary);
         for (const QString& alias : row.aliases) {
-            haystack += fieldSeparator;
-            haystack += foldedSearchKey(alias);
+            m_text += fieldSeparator;
+            m_text += foldedSearchKey(alias);
         }
-        m_haystacks.push_back(std::move(haystack));
+        m_text += fieldSeparator;
     }
+    m_rowStart.push_back(m_text.size());
+    m_text.squeeze();
 
-    const std::vector<int> ranks = nameRanks(m_rows);
+    const std::vector<int> ranks = nameRanks(rows);
     for (const HomebrewSortOption option : allSortOptions) {
         std::vector<int>& order = m_orders[static_cast<size_t>(option)];
         order.resize(count);
@@ -84,8 +89,8 @@ HomebrewCatalogIndex::HomebrewCatalogIndex(QList<HomebrewPackageSummary> rows)
             break;
         default:
             std::stable_sort(order.begin(), order.end(), [&](int a, int b) {
-                const auto& ca = countFor(m_rows[a], option);
-                const auto& cb = countFor(m_rows[b], option);
+                const auto& ca = countFor(rows[a], option);
+                const auto& cb = countFor(rows[b], option);
                 if (ca.has_value() != cb.has_value())
                     return ca.has_value();
                 if (ca && *ca != *cb)
@@ -97,39 +102,45 @@ HomebrewCatalogIndex::HomebrewCatalogIndex(QList<HomebrewPackageSummary> rows)
     }
 }
 
-QList<HomebrewPackageSummary>
+HomebrewPackageList
 HomebrewCatalogIndex::filtered(const QString& query, HomebrewSortOption option, std::stop_token stop) const
 {
     const std::vector<int>& sorted = order(option);
-    QList<HomebrewPackageSummary> result;
     const QString trimmed = query.trimmed();
-    if (trimmed.isEmpty()) {
-        result.reserve(static_cast<qsizetype>(sorted.size()));
-        for (const int i : sorted)
-            result.append(m_rows[i]);
-        return result;
-    }
+    if (trimmed.isEmpty())
+        return HomebrewPackageList(m_rows, sorted);
 
     const QString needle = foldedSearchKey(trimmed);
-    const bool needleHasSeparator = needle.contains(fieldSeparator);
-    const auto matches = [&](const QString& haystack) {
-        if (!needleHasSeparator)
-            return haystack.contains(needle, Qt::CaseSensitive);
-        // A needle holding the separator itself must match inside one field.
-        for (const auto field : QStringView(haystack).split(fieldSeparator))
-            if (field.contains(needle, Qt::CaseSensitive))
-                return true;
-        return false;
-    };
-
-    size_t visited = 0;
-    for (const int i : sorted) {
-        if ((++visited & 1023u) == 0 && stop.stop_requested())
-            return {};
-        if (matches(m_haystacks[static_cast<size_t>(i)]))
-            result.append(m_rows[i]);
+    const auto count = m_rowStart.size() - 1;
+    std::vector<char> matched(count, 0);
+    if (!needle.contains(fieldSeparator)) {
+        const QStringMatcher matcher(needle, Qt::CaseSensitive);
+        size_t hits = 0;
+        for (qsizetype from = 0; from < m_text.size();) {
+            const qsizetype at = matcher.indexIn(m_text, from);
+            if (at < 0)
+                break;
+            const auto next = std::upper_bound(m_rowStart.begin(), m_rowStart.end(), at);
+            matched[static_cast<size_t>(next - m_rowStart.begin() - 1)] = 1;
+            from = *next; // one hit per row is enough
+            if ((++hits & 1023u) == 0 && stop.stop_requested())
+                return {};
+        }
+    } else {
+        // A needle holding the separator itself can only match inside one field.
+        for (size_t row = 0; row < count; ++row) {
+            const QStringView text = QStringView(m_text).mid(m_rowStart[row], m_rowStart[row + 1] - m_rowStart[row]);
+            for (const auto field : text.split(fieldSeparator))
+                if (field.contains(needle, Qt::CaseSensitive))
+                    matched[row] = 1;
+        }
     }
-    return result;
+
+    std::vector<int> found;
+    for (const int i : sorted)
+        if (matched[static_cast<size_t>(i)])
+            found.push_back(i);
+    return HomebrewPackageList(m_rows, std::move(found));
 }
 
 } // namespace quillbay

@@ -1,5 +1,8 @@
 #include "homebrew_catalog/HomebrewCatalogProcessor.h"
 
+#include <array>
+#include <string_view>
+
 #include <openssl/evp.h>
 #include <simdjson.h>
 
@@ -48,6 +51,138 @@ HomebrewResult<HomebrewCatalogManifest::Artifact> decodeArtifact(simdjson::dom::
     return artifact;
 }
 
+// One package row, read in a single pass over its members (a lookup per key would cost
+// more than the rest of the row). With `row` null only the types are checked and no text
+// is converted. Gives "" on success, else what is wrong.
+QString decodeRow(simdjson::dom::element element, HomebrewPackageSummary* row)
+{
+    constexpr unsigned identifier = 1u << 0;
+    constexpr unsigned displayName = 1u << 1;
+    constexpr unsigned aliases = 1u << 2;
+    constexpr unsigned summary = 1u << 3;
+    constexpr unsigned version = 1u << 4;
+    constexpr unsigned analytics = 1u << 5;
+    constexpr unsigned isDeprecated = 1u << 6;
+    constexpr unsigned isDisabled = 1u << 7;
+    constexpr unsigned all = (1u << 8) - 1;
+    const std::array<std::pair<std::string_view, unsigned>, 8> keys {
+        std::pair {std::string_view("identifier"), identifier},
+        std::pair {std::string_view("displayName"), displayName},
+        std::pair {std::string_view("aliases"), aliases},
+        std::pair {std::string_view("summary"), summary},
+        std::pair {std::string_view("version"), version},
+        std::pair {std::string_view("analytics"), analytics},
+        std::pair {std::string_view("isDeprecated"), isDeprecated},
+        std::pair {std::string_view("isDisabled"), isDisabled}};
+
+    simdjson::dom::object object;
+    if (element.get_object().get(object))
+        return QStringLiteral("expected an object");
+    unsigned seen = 0;
+    std::string_view identifierText;
+    for (const auto member : object) {
+        // Dispatch on length first: one comparison per member instead of up to eight.
+        unsigned field = 0;
+        const std::string_view key = member.key;
+        switch (key.size()) {
+        case 10:
+            field = key == "identifier" ? identifier : key == "isDisabled" ? isDisabled : 0;
+            break;
+        case 11:
+            field = key == "displayName" ? displayName : 0;
+            break;
+        case 7:
+            field = key == "aliases" ? aliases : key == "summary" ? summary : key == "version" ? version : 0;
+            break;
+        case 9:
+            field = key == "analytics" ? analytics : 0;
+            break;
+        case 12:
+            field = key == "isDeprecated" ? isDeprecated : 0;
+            break;
+        default:
+            break;
+        }
+        if (field == 0)
+            continue; // unknown keys are ignored
+        seen |= field;
+        const simdjson::dom::element value = member.value;
+        const auto mismatch = [&](const char* expected) {
+            return QStringLiteral("expected %1 at %2").arg(QLatin1String(expected), json::toQString(member.key));
+        };
+        switch (field) {
+        case identifier:
+        case displayName:
+        case summary:
+        case version: {
+            std::string_view text;
+            if (value.get_string().get(text))
+                return mismatch("a string");
+            if (field == identifier)
+                identifierText = text;
+            if (!row)
+                break;
+            QString* target = field == identifier ? &row->identifier
+                : field == displayName            ? &row->displayName
+                : field == summary                ? &row->summary
+                                                  : &row->version;
+            // Formulae show their name as it is: share the identifier's text.
+            if (field == displayName && text == identifierText && (seen & identifier))
+                *target = row->identifier;
+            else
+                *target = json::toQString(text);
+            break;
+        }
+        case aliases: {
+            simdjson::dom::array list;
+            if (value.get_array().get(list))
+                return mismatch("an array of strings");
+            for (const simdjson::dom::element item : list) {
+                std::string_view text;
+                if (item.get_string().get(text))
+                    return mismatch("an array of strings");
+                if (row)
+                    row->aliases.append(json::toQString(text));
+            }
+            break;
+        }
+        case analytics: {
+            simdjson::dom::object counts;
+            if (value.get_object().get(counts))
+                return mismatch("an object");
+            HomebrewAnalyticsCounts parsed;
+            for (const auto count : counts) {
+                std::optional<qint64>* target = count.key == "thirtyDays" ? &parsed.thirtyDays
+                    : count.key == "ninetyDays"                           ? &parsed.ninetyDays
+                    : count.key == "threeHundredSixtyFiveDays"            ? &parsed.threeHundredSixtyFiveDays
+                                                                          : nullptr;
+                if (!target || count.value.is_null())
+                    continue; // unknown keys are ignored; null is absent
+                *target = json::integerValue(count.value);
+                if (!*target)
+                    return QStringLiteral("expected an integer at analytics.%1").arg(json::toQString(count.key));
+            }
+            if (row)
+                row->analytics = parsed;
+            break;
+        }
+        default: {
+            bool flag = false;
+            if (value.get_bool().get(flag))
+                return mismatch("a boolean");
+            if (row)
+                (field == isDeprecated ? row->isDeprecated : row->isDisabled) = flag;
+            break;
+        }
+        }
+    }
+    if (seen != all)
+        for (const auto& [name, bit] : keys)
+            if (!(seen & bit))
+                return QStringLiteral("missing key %1").arg(json::toQString(name));
+    return {};
+}
+
 // Steps shared by validateSnapshot and summaries. With `rows` null the packages are only
 // type-checked, which is all validation needs.
 HomebrewStatus checkedSnapshot(const QByteArray& bytes,
@@ -79,26 +214,10 @@ HomebrewStatus checkedSnapshot(const QByteArray& bytes,
         rows->reserve(static_cast<qsizetype>(packages.size()));
     qsizetype index = 0;
     for (const simdjson::dom::element element : packages) {
-        json::ObjectReader package(element, QStringLiteral("packages[%1]").arg(index));
         HomebrewPackageSummary row;
         row.kind = expectedKind;
-        package.requiredString("identifier", row.identifier);
-        package.requiredString("displayName", row.displayName);
-        package.requiredStringList("aliases", row.aliases);
-        package.requiredString("summary", row.summary);
-        package.requiredString("version", row.version);
-        simdjson::dom::object analytics;
-        package.requiredObject("analytics", analytics);
-        package.requiredBool("isDeprecated", row.isDeprecated);
-        package.requiredBool("isDisabled", row.isDisabled);
-        if (!package.ok())
-            return package.error();
-        json::ObjectReader counts(analytics, package.where(QStringLiteral("analytics")));
-        counts.optionalInteger("thirtyDays", row.analytics.thirtyDays);
-        counts.optionalInteger("ninetyDays", row.analytics.ninetyDays);
-        counts.optionalInteger("threeHundredSixtyFiveDays", row.analytics.threeHundredSixtyFiveDays);
-        if (!counts.ok())
-            return counts.error();
+        if (const QString problem = decodeRow(element, rows ? &row : nullptr); !problem.isEmpty())
+            return HomebrewError::decoding(QStringLiteral("packages[%1]: %2").arg(index).arg(problem));
         if (rows)
             rows->append(std::move(row));
         ++index;
@@ -186,13 +305,13 @@ QList<HomebrewPackageSummary> HomebrewCatalogProcessor::filtered(const QList<Hom
                                                                  const QString& query,
                                                                  HomebrewSortOption option) const
 {
-    return HomebrewCatalogIndex(rows).filtered(query, option);
+    return HomebrewCatalogIndex(rows).filtered(query, option).toList();
 }
 
-QList<HomebrewPackageSummary> HomebrewCatalogProcessor::filtered(const HomebrewCatalogIndex& index,
-                                                                 const QString& query,
-                                                                 HomebrewSortOption option,
-                                                                 std::stop_token stop) const
+HomebrewPackageList HomebrewCatalogProcessor::filtered(const HomebrewCatalogIndex& index,
+                                                       const QString& query,
+                                                       HomebrewSortOption option,
+                                                       std::stop_token stop) const
 {
     return index.filtered(query, option, std::move(stop));
 }

@@ -40,10 +40,10 @@ public:
     // an index built once per catalog, which is what makes a keystroke cheap.
     QList<HomebrewPackageSummary>
     filtered(const QList<HomebrewPackageSummary>& rows, const QString& query, HomebrewSortOption option) const;
-    QList<HomebrewPackageSummary> filtered(const HomebrewCatalogIndex& index,
-                                           const QString& query,
-                                           HomebrewSortOption option,
-                                           std::stop_token stop = {}) const;
+    HomebrewPackageList filtered(const HomebrewCatalogIndex& index,
+                                 const QString& query,
+                                 HomebrewSortOption option,
+                                 std::stop_token stop = {}) const;
 
     // Lower-case hexadecimal SHA-256 of the bytes.
     static QString sha256Hex(const QByteArray& bytes);

@@ -523,8 +523,8 @@ void HomebrewCatalogStore::applyCatalog(Index formulae, Index casks)
 {
     m_formulaIndex = std::move(formulae);
     m_caskIndex = std::move(casks);
-    m_sortedFormulae.clear();
-    m_sortedCasks.clear();
+    m_sortedFormulae = {};
+    m_sortedCasks = {};
     m_sortedCatalogOption.reset();
 
     QHash<HomebrewPackageRoute, HomebrewPackageSummary> byRoute;

@@ -19,6 +19,7 @@
 #include "homebrew_catalog/HomebrewCatalogManifest.h"
 #include "homebrew_catalog/HomebrewCatalogProcessor.h"
 #include "homebrew_catalog/HomebrewPackageDetail.h"
+#include "homebrew_catalog/HomebrewPackageList.h"
 #include "homebrew_catalog/HomebrewPackageSummary.h"
 #include "homebrew_catalog/HomebrewSortOption.h"
 
@@ -73,8 +74,8 @@ public:
     // Observable state.
     const QList<HomebrewPackageSummary>& allFormulae() const;
     const QList<HomebrewPackageSummary>& allCasks() const;
-    const QList<HomebrewPackageSummary>& sortedFormulae() const { return m_sortedFormulae; }
-    const QList<HomebrewPackageSummary>& sortedCasks() const { return m_sortedCasks; }
+    const HomebrewPackageList& sortedFormulae() const { return m_sortedFormulae; }
+    const HomebrewPackageList& sortedCasks() const { return m_sortedCasks; }
     std::optional<HomebrewSortOption> sortedCatalogOption() const { return m_sortedCatalogOption; }
     const QHash<HomebrewPackageRoute, HomebrewPackageSummary>& summariesByRoute() const { return m_summariesByRoute; }
     HomebrewCatalogKind selectedKind() const { return m_selectedKind; }
@@ -90,10 +91,10 @@ public:
     }
     bool columnIsVisible(HomebrewCatalogColumn column) const { return m_columns[static_cast<size_t>(column)]; }
     const QStringList& searchHistory() const { return m_searchHistory; }
-    const QList<HomebrewPackageSummary>& formulae() const { return m_formulae; }
-    const QList<HomebrewPackageSummary>& casks() const { return m_casks; }
-    const QList<HomebrewPackageSummary>& formulaSearchResults() const { return m_formulaSearchResults; }
-    const QList<HomebrewPackageSummary>& caskSearchResults() const { return m_caskSearchResults; }
+    const HomebrewPackageList& formulae() const { return m_formulae; }
+    const HomebrewPackageList& casks() const { return m_casks; }
+    const HomebrewPackageList& formulaSearchResults() const { return m_formulaSearchResults; }
+    const HomebrewPackageList& caskSearchResults() const { return m_caskSearchResults; }
     bool isFiltering() const { return m_isFiltering; }
     qint64 catalogGeneration() const { return m_catalogGeneration; }
     qint64 searchResultGeneration() const { return m_searchResultGeneration; }
@@ -158,8 +159,8 @@ private:
 
     Index m_formulaIndex;
     Index m_caskIndex;
-    QList<HomebrewPackageSummary> m_sortedFormulae;
-    QList<HomebrewPackageSummary> m_sortedCasks;
+    HomebrewPackageList m_sortedFormulae;
+    HomebrewPackageList m_sortedCasks;
     std::optional<HomebrewSortOption> m_sortedCatalogOption;
     QHash<HomebrewPackageRoute, HomebrewPackageSummary> m_summariesByRoute;
     std::stop_source m_filterStop;
@@ -171,10 +172,10 @@ private:
     HomebrewSortOption m_sortOption = HomebrewSortOption::installs30Days;
     std::array<bool, 5> m_columns {true, true, true, false, false};
     QStringList m_searchHistory;
-    QList<HomebrewPackageSummary> m_formulae;
-    QList<HomebrewPackageSummary> m_casks;
-    QList<HomebrewPackageSummary> m_formulaSearchResults;
-    QList<HomebrewPackageSummary> m_caskSearchResults;
+    HomebrewPackageList m_formulae;
+    HomebrewPackageList m_casks;
+    HomebrewPackageList m_formulaSearchResults;
+    HomebrewPackageList m_caskSearchResults;
     bool m_isFiltering = false;
     qint64 m_catalogGeneration = 0;
     qint64 m_searchResultGeneration = 0;

@@ -30,8 +30,8 @@ void HomebrewCatalogStore::scheduleFilter(bool debounce)
     request->needsSort = !m_sortedCatalogOption || *m_sortedCatalogOption != m_sortOption;
 
     if (request->query.isEmpty()) {
-        m_formulaSearchResults.clear();
-        m_caskSearchResults.clear();
+        m_formulaSearchResults = {};
+        m_caskSearchResults = {};
         m_isFiltering = false;
         emit changed();
         if (!request->needsSort)
@@ -60,13 +60,13 @@ void HomebrewCatalogStore::runFilter(const std::shared_ptr<FilterRequest>& reque
 
     const auto sortOne = [processor = m_processor, option = request->option, stop = request->stop](const Index& index) {
         if (!index)
-            return QList<HomebrewPackageSummary>();
+            return HomebrewPackageList();
         return processor.filtered(*index, QString(), option, stop);
     };
-    QList<QFuture<QList<HomebrewPackageSummary>>> futures {QtConcurrent::run(sortOne, request->formulae),
-                                                           QtConcurrent::run(sortOne, request->casks)};
+    QList<QFuture<HomebrewPackageList>> futures {QtConcurrent::run(sortOne, request->formulae),
+                                                 QtConcurrent::run(sortOne, request->casks)};
     QtFuture::whenAll(futures.begin(), futures.end())
-        .then(this, [this, request](const QList<QFuture<QList<HomebrewPackageSummary>>>& sorted) {
+        .then(this, [this, request](const QList<QFuture<HomebrewPackageList>>& sorted) {
             if (request->stop.stop_requested())
                 return;
             m_sortedFormulae = sorted[0].result();
@@ -86,13 +86,13 @@ void HomebrewCatalogStore::publishSearch(const std::shared_ptr<FilterRequest>& r
 {
     const auto work = [processor = m_processor, request](const Index& index) {
         if (!index)
-            return QList<HomebrewPackageSummary>();
+            return HomebrewPackageList();
         return processor.filtered(*index, request->query, request->option, request->stop);
     };
-    QList<QFuture<QList<HomebrewPackageSummary>>> futures {QtConcurrent::run(work, request->formulae),
-                                                           QtConcurrent::run(work, request->casks)};
+    QList<QFuture<HomebrewPackageList>> futures {QtConcurrent::run(work, request->formulae),
+                                                 QtConcurrent::run(work, request->casks)};
     QtFuture::whenAll(futures.begin(), futures.end())
-        .then(this, [this, request](const QList<QFuture<QList<HomebrewPackageSummary>>>& found) {
+        .then(this, [this, request](const QList<QFuture<HomebrewPackageList>>& found) {
             // A newer task has taken over; it settles isFiltering.
             if (request->stop.stop_requested())
                 return;

@@ -39,8 +39,37 @@ ObjectReader::ObjectReader(simdjson::dom::object object, QString path)
 
 void ObjectReader::fail(const QString& message)
 {
-    if (!m_error)
-        m_error = HomebrewError::decoding(message);
+    if (m_error)
+        return;
+    m_error = HomebrewError::decoding(message);
+    m_message = message;
+}
+
+void ObjectReader::expectString(std::string_view key)
+{
+    const auto value = required(key);
+    if (value && !value->is_string())
+        typeMismatch(key, "a string");
+}
+
+void ObjectReader::expectStringList(std::string_view key)
+{
+    const auto value = required(key);
+    if (!value)
+        return;
+    simdjson::dom::array array;
+    if (value->get_array().get(array))
+        return typeMismatch(key, "an array of strings");
+    for (const simdjson::dom::element item : array)
+        if (!item.is_string())
+            return typeMismatch(key, "an array of strings");
+}
+
+void ObjectReader::expectBool(std::string_view key)
+{
+    const auto value = required(key);
+    if (value && !value->is_bool())
+        typeMismatch(key, "a boolean");
 }
 
 void ObjectReader::typeMismatch(std::string_view key, const char* expected)

@@ -16,9 +16,14 @@ namespace quillbay::json {
 // parse on the same thread, so callers finish with it before parsing again.
 HomebrewResult<simdjson::dom::element> parse(const QByteArray& bytes);
 
+// Catalog text is mostly ASCII, for which the Latin-1 conversion is the same and several
+// times cheaper than the UTF-8 decoder on short strings.
 inline QString toQString(std::string_view text)
 {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+    for (const char c : text)
+        if (static_cast<unsigned char>(c) >= 0x80)
+            return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+    return QString::fromLatin1(text.data(), static_cast<qsizetype>(text.size()));
 }
 
 // Strict, typed reading of one JSON object: a missing required key or a value of the wrong
@@ -32,6 +37,8 @@ public:
 
     bool ok() const { return !m_error.has_value(); }
     HomebrewError error() const { return *m_error; }
+    // The decoder's own words, for wrapping into a message with more context.
+    const QString& message() const { return m_message; }
     QString where(const QString& key) const { return m_path.isEmpty() ? key : m_path + u'.' + key; }
     const simdjson::dom::object& object() const { return m_object; }
 
@@ -41,6 +48,11 @@ public:
     void requiredStringList(std::string_view key, QStringList& out);
     void requiredObject(std::string_view key, simdjson::dom::object& out);
     void requiredArray(std::string_view key, simdjson::dom::array& out);
+
+    // Type checks only, for validation that keeps nothing: no text is converted.
+    void expectString(std::string_view key);
+    void expectStringList(std::string_view key);
+    void expectBool(std::string_view key);
 
     void optionalString(std::string_view key, std::optional<QString>& out);
     void optionalInteger(std::string_view key, std::optional<qint64>& out);
@@ -61,6 +73,7 @@ private:
     simdjson::dom::object m_object;
     QString m_path;
     std::optional<HomebrewError> m_error;
+    QString m_message;
 };
 
 // An integer in the signed 64-bit range; doubles and larger unsigned values are refused.

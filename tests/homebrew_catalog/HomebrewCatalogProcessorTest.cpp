@@ -317,7 +317,7 @@ HomebrewPackageSummary row(const QString& identifier,
     return s;
 }
 
-QStringList identifiers(const QList<HomebrewPackageSummary>& rows)
+template <typename Rows> QStringList identifiers(const Rows& rows)
 {
     QStringList out;
     for (const auto& r : rows)

@@ -31,7 +31,7 @@ makeStore(const QString& base, const QString& cacheRoot, Defaults& defaults, QDa
         HomebrewCatalogProcessor(), defaults, [clock] { return *clock; });
 }
 
-QStringList identifiers(const QList<HomebrewPackageSummary>& rows)
+template <typename Rows> QStringList identifiers(const Rows& rows)
 {
     QStringList out;
     for (const auto& row : rows)

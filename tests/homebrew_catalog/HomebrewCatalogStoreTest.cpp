@@ -61,7 +61,7 @@ struct StoreUnderTest
     std::unique_ptr<HomebrewCatalogStore> store;
 };
 
-QStringList identifiers(const QList<HomebrewPackageSummary>& rows)
+template <typename Rows> QStringList identifiers(const Rows& rows)
 {
     QStringList out;
     for (const auto& row : rows)
