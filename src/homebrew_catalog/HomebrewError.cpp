@@ -2,42 +2,41 @@
 
 namespace quillbay {
 
-namespace {
-template <class... Ts> struct Overloaded : Ts...
-{
-    using Ts::operator()...;
-};
-template <class... Ts> Overloaded(Ts...) -> Overloaded<Ts...>;
-} // namespace
-
 QString HomebrewError::localizedDescription() const
 {
-    return std::visit(
-        Overloaded {
-            [](const HomebrewAPIError& e) { return e.localizedDescription(); },
-            [](const HomebrewCatalogProcessingError& e) {
-                return QStringLiteral("The operation couldn\u2019t be completed. (%1)").arg(e.description());
-            },
-            [](const Decoding& e) { return QStringLiteral("The data couldn\u2019t be read: %1").arg(e.message); },
-            [](const File& e) { return e.message; },
-            [](const Transport& e) { return e.message; },
-            [](const Cancellation&) { return QStringLiteral("The operation was cancelled."); },
-        },
-        m_value);
+    switch (m_kind) {
+    case Kind::api:
+        return m_api.localizedDescription();
+    case Kind::processing:
+        return QStringLiteral("The operation couldn\u2019t be completed. (%1)").arg(m_processing.description());
+    case Kind::decoding:
+        return QStringLiteral("The data couldn\u2019t be read: %1").arg(m_message);
+    case Kind::file:
+    case Kind::transport:
+        return m_message;
+    case Kind::cancellation:
+        return QStringLiteral("The operation was cancelled.");
+    }
+    return {};
 }
 
 QString HomebrewError::debugDescription() const
 {
-    return std::visit(
-        Overloaded {
-            [](const HomebrewAPIError& e) { return QStringLiteral("HomebrewAPIError: ") + e.localizedDescription(); },
-            [](const HomebrewCatalogProcessingError& e) { return e.description(); },
-            [](const Decoding& e) { return QStringLiteral("DecodingError: ") + e.message; },
-            [](const File& e) { return QStringLiteral("FileError: ") + e.message; },
-            [](const Transport& e) { return QStringLiteral("TransportError(%1): %2").arg(e.code).arg(e.message); },
-            [](const Cancellation&) { return QStringLiteral("CancellationError"); },
-        },
-        m_value);
+    switch (m_kind) {
+    case Kind::api:
+        return QStringLiteral("HomebrewAPIError: ") + m_api.localizedDescription();
+    case Kind::processing:
+        return m_processing.description();
+    case Kind::decoding:
+        return QStringLiteral("DecodingError: ") + m_message;
+    case Kind::file:
+        return QStringLiteral("FileError: ") + m_message;
+    case Kind::transport:
+        return QStringLiteral("TransportError(%1): %2").arg(m_code).arg(m_message);
+    case Kind::cancellation:
+        return QStringLiteral("CancellationError");
+    }
+    return {};
 }
 
 } // namespace quillbay

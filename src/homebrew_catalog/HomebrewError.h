@@ -33,27 +33,33 @@ public:
     };
 
     HomebrewError(HomebrewAPIError error)
-        : m_value(error)
+        : m_kind(Kind::api)
+        , m_api(error)
     {
     }
     HomebrewError(HomebrewCatalogProcessingError error)
-        : m_value(error)
+        : m_kind(Kind::processing)
+        , m_processing(error)
     {
     }
     HomebrewError(Decoding error)
-        : m_value(std::move(error))
+        : m_kind(Kind::decoding)
+        , m_message(std::move(error.message))
     {
     }
     HomebrewError(File error)
-        : m_value(std::move(error))
+        : m_kind(Kind::file)
+        , m_message(std::move(error.message))
     {
     }
     HomebrewError(Transport error)
-        : m_value(std::move(error))
+        : m_kind(Kind::transport)
+        , m_code(error.code)
+        , m_message(std::move(error.message))
     {
     }
-    HomebrewError(Cancellation error)
-        : m_value(error)
+    HomebrewError(Cancellation)
+        : m_kind(Kind::cancellation)
     {
     }
 
@@ -61,15 +67,15 @@ public:
     static HomebrewError file(const QString& message) { return File {message}; }
     static HomebrewError cancellation() { return Cancellation {}; }
 
-    bool isCancellation() const { return std::holds_alternative<Cancellation>(m_value); }
-    const HomebrewAPIError* apiError() const { return std::get_if<HomebrewAPIError>(&m_value); }
+    bool isCancellation() const { return m_kind == Kind::cancellation; }
+    const HomebrewAPIError* apiError() const { return m_kind == Kind::api ? &m_api : nullptr; }
     const HomebrewCatalogProcessingError* processingError() const
     {
-        return std::get_if<HomebrewCatalogProcessingError>(&m_value);
+        return m_kind == Kind::processing ? &m_processing : nullptr;
     }
-    bool isDecodingError() const { return std::holds_alternative<Decoding>(m_value); }
-    bool isFileError() const { return std::holds_alternative<File>(m_value); }
-    bool isTransportError() const { return std::holds_alternative<Transport>(m_value); }
+    bool isDecodingError() const { return m_kind == Kind::decoding; }
+    bool isFileError() const { return m_kind == Kind::file; }
+    bool isTransportError() const { return m_kind == Kind::transport; }
 
     // The text a person may read.
     QString localizedDescription() const;
@@ -77,7 +83,14 @@ public:
     QString debugDescription() const;
 
 private:
-    std::variant<HomebrewAPIError, HomebrewCatalogProcessingError, Decoding, File, Transport, Cancellation> m_value;
+    // A tagged record rather than a variant: one layout, cheap to copy, and clear to the
+    // compiler's flow analysis.
+    enum class Kind { api, processing, decoding, file, transport, cancellation };
+    Kind m_kind;
+    HomebrewAPIError m_api;
+    HomebrewCatalogProcessingError m_processing;
+    int m_code = 0;
+    QString m_message;
 };
 
 // A value or the error that stopped it.
