@@ -1,0 +1,363 @@
+#include <QDir>
+#include <QFile>
+#include <QFuture>
+#include <QTcpServer>
+
+#include <gtest/gtest.h>
+
+#include "CatalogSignature.h"
+#include "ScriptedHttpServer.h"
+#include "homebrew_catalog/HomebrewAPIClient.h"
+#include "testsupport/TempTree.h"
+#include "testsupport/TestEnvironment.h"
+
+using namespace quillbay;
+using namespace quillbay::test;
+
+namespace {
+
+const QByteArray key("quillbay-development-catalog-signing-key-0123456789abcdef0123456");
+const QDateTime fetchTime = QDateTime::fromSecsSinceEpoch(1750000000, Qt::UTC);
+const HomebrewEndpoint detailEndpoint = HomebrewEndpoint::formulaDetail(QStringLiteral("openssl@3"));
+
+std::unique_ptr<HomebrewAPIClient> makeClient(const QString& base, const QString& cacheRoot)
+{
+    HomebrewAPIClient::Configuration configuration;
+    configuration.baseURL = QUrl(base);
+    configuration.signingSecret = key;
+    configuration.now = [] { return QDateTime::currentDateTimeUtc(); };
+    configuration.currentDate = [] { return fetchTime; };
+    return std::make_unique<HomebrewAPIClient>(configuration, std::make_unique<HomebrewCacheService>(cacheRoot));
+}
+
+HomebrewStatus acceptAll(const QByteArray&)
+{
+    return homebrewSuccess();
+}
+
+HomebrewStatus refuseAll(const QByteArray&)
+{
+    return HomebrewError::decoding(QStringLiteral("refused by the test"));
+}
+
+HomebrewResult<QByteArray> await(QFuture<HomebrewResult<QByteArray>> future)
+{
+    EXPECT_TRUE(waitUntil([&] { return future.isFinished(); }, 15000));
+    return future.result();
+}
+
+QByteArray readFile(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
+}
+
+} // namespace
+
+TEST(HomebrewAPIClientTest, SignedFetchStoresBodyAndValidatorsThenAsksConditionally)
+{
+    TempTree tree;
+    ScriptedHttpServer server;
+    server.script = [](const ScriptedHttpServer::Request&) {
+        return ScriptedHttpServer::Reply {
+            200, "{\"name\":\"openssl@3\"}", {{"ETag", "\"v1\""}, {"Last-Modified", "Tue, 01 Jul 2025 00:00:00 GMT"}}};
+    };
+    const auto client = makeClient(server.baseURL(), tree.root());
+
+    const auto first = await(client->fetch(detailEndpoint, true, acceptAll));
+    ASSERT_TRUE(first.ok()) << first.error().debugDescription().toStdString();
+    EXPECT_EQ(first.value(), "{\"name\":\"openssl@3\"}");
+    ASSERT_EQ(server.requests.size(), 1);
+    const auto& sent = server.requests[0];
+    EXPECT_EQ(sent.path, u"/v1/details/formula/openssl%403.json");
+    EXPECT_EQ(sent.headers.value("accept"), "application/json");
+    EXPECT_FALSE(sent.headers.contains("if-none-match"));
+    EXPECT_TRUE(services::catalogSignatureIsValid(key, sent.path.toUtf8(), sent.headers.value("x-quillbay-timestamp"),
+                                                  sent.headers.value("x-quillbay-signature"),
+                                                  QDateTime::currentSecsSinceEpoch(), 60));
+
+    const HomebrewCacheService cache(tree.root());
+    EXPECT_EQ(readFile(cache.bodyPath(detailEndpoint)), "{\"name\":\"openssl@3\"}");
+    const auto metadata = cache.readMetadata(detailEndpoint);
+    ASSERT_TRUE(metadata.ok() && metadata.value());
+    EXPECT_EQ(*metadata.value(),
+              (HomebrewCacheService::Metadata {fetchTime, QStringLiteral("\"v1\""),
+                                               QStringLiteral("Tue, 01 Jul 2025 00:00:00 GMT")}));
+
+    ASSERT_TRUE(await(client->fetch(detailEndpoint, true, acceptAll)).ok());
+    ASSERT_EQ(server.requests.size(), 2);
+    EXPECT_EQ(server.requests[1].headers.value("if-none-match"), "\"v1\"");
+    EXPECT_EQ(server.requests[1].headers.value("if-modified-since"), "Tue, 01 Jul 2025 00:00:00 GMT");
+
+    ASSERT_TRUE(await(client->fetch(detailEndpoint, false, acceptAll)).ok());
+    EXPECT_FALSE(server.requests[2].headers.contains("if-none-match"));
+}
+
+TEST(HomebrewAPIClientTest, ConditionalHeadersFollowWhatTheSidecarHolds)
+{
+    struct Row
+    {
+        const char* name;
+        QByteArray sidecar;
+        QByteArray ifNoneMatch;
+        QByteArray ifModifiedSince;
+    };
+    const Row rows[] = {
+        {"etag only", "{\"fetchedAt\":1,\"etag\":\"W/\\\"x\\\"\"}", "W/\"x\"", {}},
+        {"last-modified only",
+         "{\"fetchedAt\":1,\"lastModified\":\"Mon, 02 Jan 2006 15:04:05 GMT\"}",
+         {},
+         "Mon, 02 Jan 2006 15:04:05 GMT"},
+        {"corrupt sidecar: unconditional, no error", "{\"etag\":\"no date\"", {}, {}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        TempTree tree;
+        tree.writeFile(detailEndpoint.cacheStem() + QStringLiteral(".metadata.json"), row.sidecar);
+        ScriptedHttpServer server;
+        server.script = [](const ScriptedHttpServer::Request&) { return ScriptedHttpServer::Reply {200, "{}", {}}; };
+        const auto client = makeClient(server.baseURL(), tree.root());
+        const auto result = await(client->fetch(detailEndpoint, true, acceptAll));
+        ASSERT_TRUE(result.ok()) << result.error().debugDescription().toStdString();
+        ASSERT_EQ(server.requests.size(), 1);
+        EXPECT_EQ(server.requests[0].headers.value("if-none-match"), row.ifNoneMatch);
+        EXPECT_EQ(server.requests[0].headers.value("if-modified-since"), row.ifModifiedSince);
+    }
+}
+
+TEST(HomebrewAPIClientTest, EveryFailureLeavesTheCacheAsItsRowSays)
+{
+    const QByteArray oldBody("{\"old\":true}");
+    const QByteArray oldSidecar("{\"fetchedAt\":5.0,\"etag\":\"\\\"old\\\"\"}");
+    enum class Expect { ok, invalidResponse, httpStatus, missingCached, validation, file };
+    struct Row
+    {
+        const char* name;
+        int status;
+        QByteArray body;
+        bool conditional;
+        bool haveBody;
+        bool haveSidecar;
+        bool refuse;
+        bool blockBody; // a folder where the body file goes
+        Expect expected;
+        qint64 code;
+        QByteArray bodyAfter;
+        QByteArray sidecarAfter;
+    };
+    const QByteArray missing("<missing>");
+    const QByteArray touched("{\"fetchedAt\":771692800.0,\"etag\":\"\\\"old\\\"\"}");
+    const Row rows[] = {
+        {"204 without a body",
+         204,
+         {},
+         true,
+         true,
+         true,
+         false,
+         false,
+         Expect::invalidResponse,
+         0,
+         oldBody,
+         oldSidecar},
+        {"200 with an empty body",
+         200,
+         {},
+         false,
+         false,
+         false,
+         false,
+         false,
+         Expect::invalidResponse,
+         0,
+         missing,
+         missing},
+        {"404", 404, "{}", true, true, true, false, false, Expect::httpStatus, 404, oldBody, oldSidecar},
+        {"500", 500, "oops", false, true, true, false, false, Expect::httpStatus, 500, oldBody, oldSidecar},
+        {"200 failing validation", 200, "{\"new\":1}", true, true, true, true, false, Expect::validation, 0, oldBody,
+         oldSidecar},
+        {"200, body write fails", 200, "{\"new\":1}", true, false, true, false, true, Expect::file, 0, missing,
+         oldSidecar},
+        {"304 without a body file",
+         304,
+         {},
+         true,
+         false,
+         true,
+         false,
+         false,
+         Expect::missingCached,
+         0,
+         missing,
+         oldSidecar},
+        {"304 to an unconditional request uses the cache",
+         304,
+         {},
+         false,
+         true,
+         true,
+         false,
+         false,
+         Expect::ok,
+         0,
+         oldBody,
+         touched},
+        {"304 whose cached body fails validation",
+         304,
+         {},
+         true,
+         true,
+         true,
+         true,
+         false,
+         Expect::validation,
+         0,
+         oldBody,
+         oldSidecar},
+        {"304 with a body and no sidecar makes none",
+         304,
+         {},
+         true,
+         true,
+         false,
+         false,
+         false,
+         Expect::ok,
+         0,
+         oldBody,
+         missing},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        TempTree tree;
+        const HomebrewCacheService cache(tree.root());
+        if (row.haveBody)
+            tree.writeFile(QFileInfo(cache.bodyPath(detailEndpoint)).fileName(), oldBody);
+        if (row.haveSidecar)
+            tree.writeFile(QFileInfo(cache.metadataPath(detailEndpoint)).fileName(), oldSidecar);
+        if (row.blockBody)
+            tree.mkdir(QFileInfo(cache.bodyPath(detailEndpoint)).fileName() + QStringLiteral("/inner"));
+        ScriptedHttpServer server;
+        server.script = [&](const ScriptedHttpServer::Request&) {
+            return ScriptedHttpServer::Reply {row.status, row.body, {}};
+        };
+        const auto client = makeClient(server.baseURL(), tree.root());
+        const auto result = await(client->fetch(detailEndpoint, row.conditional, row.refuse ? refuseAll : acceptAll));
+        switch (row.expected) {
+        case Expect::ok:
+            ASSERT_TRUE(result.ok()) << result.error().debugDescription().toStdString();
+            EXPECT_EQ(result.value(), oldBody);
+            break;
+        case Expect::invalidResponse:
+            ASSERT_FALSE(result.ok());
+            ASSERT_NE(result.error().apiError(), nullptr);
+            EXPECT_EQ(*result.error().apiError(), HomebrewAPIError::invalidResponse());
+            break;
+        case Expect::httpStatus:
+            ASSERT_FALSE(result.ok());
+            ASSERT_NE(result.error().apiError(), nullptr);
+            EXPECT_EQ(*result.error().apiError(), HomebrewAPIError::httpStatus(row.code));
+            EXPECT_EQ(result.error().localizedDescription(),
+                      QStringLiteral("Homebrew returned HTTP status %1.").arg(row.code));
+            break;
+        case Expect::missingCached:
+            ASSERT_FALSE(result.ok());
+            EXPECT_EQ(result.error().localizedDescription(),
+                      u"Homebrew reported no changes, but no cached data is available.");
+            break;
+        case Expect::validation:
+            ASSERT_FALSE(result.ok());
+            EXPECT_TRUE(result.error().isDecodingError());
+            break;
+        case Expect::file:
+            ASSERT_FALSE(result.ok());
+            EXPECT_TRUE(result.error().isFileError()) << result.error().debugDescription().toStdString();
+            break;
+        }
+        if (!row.blockBody) {
+            EXPECT_EQ(readFile(cache.bodyPath(detailEndpoint)), row.bodyAfter);
+        }
+        EXPECT_EQ(readFile(cache.metadataPath(detailEndpoint)), row.sidecarAfter);
+    }
+}
+
+TEST(HomebrewAPIClientTest, NoRequestForAPathWithoutLeadingSlash)
+{
+    TempTree tree;
+    ScriptedHttpServer server;
+    const auto client = makeClient(server.baseURL(), tree.root());
+    const auto result = await(client->fetch(
+        HomebrewEndpoint::catalogSnapshot(HomebrewCatalogKind::cask, QStringLiteral("relative/cask.json")), true,
+        acceptAll));
+    ASSERT_FALSE(result.ok());
+    EXPECT_EQ(result.error().localizedDescription(), u"The Homebrew API URL is invalid.");
+    EXPECT_TRUE(server.requests.isEmpty());
+}
+
+TEST(HomebrewAPIClientTest, ANonHTTPResponseIsInvalid)
+{
+    TempTree tree;
+    // The manifest path exists as a compiled-in resource, so the answer has bytes but no HTTP status.
+    const auto client = makeClient(QStringLiteral("qrc:"), tree.root());
+    const auto result = await(client->fetch(HomebrewEndpoint::catalogManifest(), false, acceptAll));
+    ASSERT_FALSE(result.ok());
+    ASSERT_NE(result.error().apiError(), nullptr) << result.error().debugDescription().toStdString();
+    EXPECT_EQ(*result.error().apiError(), HomebrewAPIError::invalidResponse());
+}
+
+TEST(HomebrewAPIClientTest, TransportFailureAndCancellationPassThroughUnchanged)
+{
+    TempTree tree;
+    QTcpServer closed;
+    ASSERT_TRUE(closed.listen(QHostAddress::LocalHost, 0));
+    const quint16 deadPort = closed.serverPort();
+    closed.close();
+    const auto offline = makeClient(QStringLiteral("http://127.0.0.1:%1").arg(deadPort), tree.root());
+    const auto refused = await(offline->fetch(detailEndpoint, true, acceptAll));
+    ASSERT_FALSE(refused.ok());
+    EXPECT_TRUE(refused.error().isTransportError()) << refused.error().debugDescription().toStdString();
+
+    ScriptedHttpServer server;
+    server.script = [](const ScriptedHttpServer::Request&) { return ScriptedHttpServer::Reply {200, {}, {}, true}; };
+    const auto client = makeClient(server.baseURL(), tree.root());
+    std::stop_source stop;
+    auto pending = client->fetch(detailEndpoint, false, acceptAll, stop.get_token());
+    ASSERT_TRUE(waitUntil([&] { return server.requests.size() == 1; }));
+    EXPECT_FALSE(pending.isFinished());
+    stop.request_stop();
+    const auto cancelled = await(pending);
+    ASSERT_FALSE(cancelled.ok());
+    EXPECT_TRUE(cancelled.error().isCancellation());
+    EXPECT_FALSE(QFile::exists(HomebrewCacheService(tree.root()).bodyPath(detailEndpoint)));
+}
+
+TEST(HomebrewAPIClientTest, FreshnessFollowsTheSidecarDate)
+{
+    struct Row
+    {
+        const char* name;
+        std::optional<QByteArray> sidecar;
+        double maxAge;
+        bool fresh;
+    };
+    const double now = HomebrewCacheService::referenceSeconds(fetchTime);
+    const auto at
+        = [](double seconds) { return QByteArray("{\"fetchedAt\":") + QByteArray::number(seconds, 'f', 3) + '}'; };
+    const Row rows[] = {
+        {"no sidecar", std::nullopt, 86400, false},
+        {"23 hours old", at(now - 23 * 3600), 86400, true},
+        {"exactly 24 hours old", at(now - 86400), 86400, false},
+        {"in the future", at(now + 3600), 86400, true},
+        {"corrupt", QByteArray("{\"fetchedAt\":"), 86400, false},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        TempTree tree;
+        if (row.sidecar)
+            tree.writeFile(detailEndpoint.cacheStem() + QStringLiteral(".metadata.json"), *row.sidecar);
+        const auto client = makeClient(QStringLiteral("http://127.0.0.1:1"), tree.root());
+        auto fresh = client->isFresh(detailEndpoint, row.maxAge);
+        ASSERT_TRUE(waitUntil([&] { return fresh.isFinished(); }));
+        EXPECT_EQ(fresh.result(), row.fresh);
+    }
+}

@@ -1,0 +1,279 @@
+#include <QFile>
+#include <QSettings>
+
+#include <gtest/gtest.h>
+
+#include "CatalogFixtures.h"
+#include "CatalogServiceFixture.h"
+#include "foundation/Defaults.h"
+#include "homebrew_catalog/HomebrewCatalogStore.h"
+#include "testsupport/TempTree.h"
+#include "testsupport/TestEnvironment.h"
+
+using namespace quillbay;
+using namespace quillbay::test;
+using Fixture = CatalogServiceFixture;
+
+namespace {
+
+const QByteArray key("quillbay-development-catalog-signing-key-0123456789abcdef0123456");
+
+std::unique_ptr<HomebrewCatalogStore>
+makeStore(const QString& base, const QString& cacheRoot, Defaults& defaults, QDateTime* clock)
+{
+    HomebrewAPIClient::Configuration configuration;
+    configuration.baseURL = QUrl(base);
+    configuration.signingSecret = key;
+    configuration.now = [] { return QDateTime::currentDateTimeUtc(); };
+    configuration.currentDate = [clock] { return *clock; };
+    return std::make_unique<HomebrewCatalogStore>(
+        std::make_unique<HomebrewAPIClient>(configuration, std::make_unique<HomebrewCacheService>(cacheRoot)),
+        HomebrewCatalogProcessor(), defaults, [clock] { return *clock; });
+}
+
+template <typename Rows> QStringList identifiers(const Rows& rows)
+{
+    QStringList out;
+    for (const auto& row : rows)
+        out.append(row.identifier);
+    return out;
+}
+
+// A loaded store over a small published catalog.
+class LoadedStore : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        service.publish(
+            QStringLiteral("A"),
+            {{QStringLiteral("wget"), QStringLiteral("Internet file retriever")},
+             {QStringLiteral("wgetpaste"), QStringLiteral("Paste to pastebins")},
+             {QStringLiteral("curl"), QStringLiteral("Get a file from an HTTP server")},
+             {QStringLiteral("python@3.10"), QStringLiteral("Interpreted language")},
+             {QStringLiteral("python@3.9"), QStringLiteral("Interpreted language")}},
+            {{QStringLiteral("firefox"), QStringLiteral("Mozilla Firefox"), QStringLiteral("Web browser")},
+             {QStringLiteral("wget-gui"), QStringLiteral("Wget GUI"), QStringLiteral("Downloader")}},
+            {{QStringLiteral("curl"), QStringLiteral("30")}, {QStringLiteral("wget"), QStringLiteral("20")}});
+        defaults = std::make_unique<SettingsDefaults>(tree.path(QStringLiteral("settings.ini")));
+        store = makeStore(service.baseURL(), tree.path(QStringLiteral("cache")), *defaults, &clock);
+        store->loadIfNeeded();
+        ASSERT_TRUE(
+            waitUntil([&] { return store->hasLoaded() && !store->hasLoadTask() && store->catalogGeneration() > 0; }));
+    }
+
+    bool waitForSearch()
+    {
+        return waitUntil([&] { return !store->isFiltering(); });
+    }
+
+    Fixture service;
+    TempTree tree;
+    QDateTime clock = QDateTime::fromSecsSinceEpoch(1750000000, Qt::UTC);
+    std::unique_ptr<SettingsDefaults> defaults;
+    std::unique_ptr<HomebrewCatalogStore> store;
+};
+
+} // namespace
+
+TEST_F(LoadedStore, TypingIsDebouncedAndOnlyTheNewestSearchPublishes)
+{
+    const qint64 catalogGeneration = store->catalogGeneration();
+    const qint64 searchGeneration = store->searchResultGeneration();
+    store->setSearchText(QStringLiteral("w"));
+    store->setSearchText(QStringLiteral("wg"));
+    store->setSearchText(QStringLiteral(" WGET "));
+    EXPECT_TRUE(store->isFiltering());
+    EXPECT_TRUE(store->hasSearchQuery());
+    ASSERT_TRUE(waitForSearch());
+    EXPECT_EQ(store->searchResultGeneration(), searchGeneration + 1);
+    EXPECT_EQ(store->catalogGeneration(), catalogGeneration); // the sort was current
+    EXPECT_EQ(identifiers(store->formulaSearchResults()), strings({"wget", "wgetpaste"}));
+    EXPECT_EQ(identifiers(store->caskSearchResults()), strings({"wget-gui"}));
+
+    // A sort change under a live query sorts and searches again, without waiting.
+    // (Its tasks may finish before the call returns, so watch the flag as it changes.)
+    QList<bool> filtering;
+    QObject::connect(store.get(), &HomebrewCatalogStore::changed, store.get(),
+                     [&] { filtering.append(store->isFiltering()); });
+    store->setSortOption(HomebrewSortOption::nameDescending);
+    ASSERT_TRUE(waitForSearch());
+    EXPECT_EQ(identifiers(store->formulaSearchResults()), strings({"wgetpaste", "wget"}));
+    EXPECT_EQ(store->catalogGeneration(), catalogGeneration + 1);
+    EXPECT_EQ(store->searchResultGeneration(), searchGeneration + 2);
+    EXPECT_TRUE(filtering.contains(true));
+    EXPECT_FALSE(filtering.last());
+
+    // Clearing the field empties the results at once, with no task since the sort is current.
+    store->setSearchText(QStringLiteral("  "));
+    EXPECT_FALSE(store->isFiltering());
+    EXPECT_TRUE(store->formulaSearchResults().isEmpty());
+    EXPECT_FALSE(store->hasSearchQuery());
+}
+
+TEST_F(LoadedStore, SortChangeWithoutQueryRaisesOnlyTheCatalogGenerationAndPersists)
+{
+    EXPECT_EQ(identifiers(store->formulae()), strings({"curl", "wget", "python@3.9", "python@3.10", "wgetpaste"}));
+    const qint64 catalogGeneration = store->catalogGeneration();
+    const qint64 searchGeneration = store->searchResultGeneration();
+    store->setSortOption(HomebrewSortOption::nameAscending);
+    ASSERT_TRUE(waitUntil([&] { return store->catalogGeneration() == catalogGeneration + 1; }));
+    EXPECT_EQ(store->searchResultGeneration(), searchGeneration);
+    EXPECT_EQ(store->sortedCatalogOption(), HomebrewSortOption::nameAscending);
+    EXPECT_EQ(identifiers(store->formulae()), strings({"curl", "python@3.9", "python@3.10", "wget", "wgetpaste"}));
+    store->setSortOption(HomebrewSortOption::nameAscending); // no change, no work
+    EXPECT_EQ(store->catalogGeneration(), catalogGeneration + 1);
+
+    defaults->sync();
+    QSettings ini(tree.path(QStringLiteral("settings.ini")), QSettings::IniFormat);
+    EXPECT_EQ(ini.value(QStringLiteral("homebrewCatalog.sortOption")).toString(), u"nameAscending");
+}
+
+TEST_F(LoadedStore, SearchHistoryIsNewestFirstCaseInsensitiveAndCapped)
+{
+    store->setSearchText(QStringLiteral("   "));
+    store->recordSearch();
+    EXPECT_TRUE(store->searchHistory().isEmpty());
+
+    for (int i = 1; i <= 21; ++i) {
+        store->setSearchText(QStringLiteral("query %1").arg(i));
+        store->recordSearch();
+    }
+    ASSERT_EQ(store->searchHistory().size(), 20);
+    EXPECT_EQ(store->searchHistory().first(), u"query 21");
+    EXPECT_EQ(store->searchHistory().last(), u"query 2");
+
+    store->setSearchText(QStringLiteral(" QUERY 5\n"));
+    store->recordSearch();
+    EXPECT_EQ(store->searchHistory().first(), u"QUERY 5");
+    EXPECT_EQ(store->searchHistory().count(QStringLiteral("query 5")), 0);
+    EXPECT_EQ(store->searchHistory().size(), 20);
+
+    // A new store reads the same list back; a cleared one removes the key.
+    auto reopened = makeStore(service.baseURL(), tree.path(QStringLiteral("cache")), *defaults, &clock);
+    EXPECT_EQ(reopened->searchHistory(), store->searchHistory());
+    store->clearSearchHistory();
+    EXPECT_FALSE(defaults->contains(QStringLiteral("homebrewCatalog.searchHistory")));
+
+    store->setSearchText(QStringLiteral("only"));
+    store->recordSearch();
+    defaults->sync();
+    SettingsDefaults reread(tree.path(QStringLiteral("settings.ini")));
+    auto single = makeStore(service.baseURL(), tree.path(QStringLiteral("cache")), reread, &clock);
+    EXPECT_EQ(single->searchHistory(), QStringList {QStringLiteral("only")});
+    ASSERT_TRUE(waitForSearch());
+}
+
+TEST(HomebrewCatalogStoreSettingsTest, StoredChoicesAndTheirDefaults)
+{
+    struct Row
+    {
+        const char* name;
+        QList<std::pair<QString, QVariant>> stored;
+        HomebrewSortOption sort;
+        QList<HomebrewCatalogColumn> visible;
+    };
+    using C = HomebrewCatalogColumn;
+    const Row rows[] = {
+        {"nothing stored", {}, HomebrewSortOption::installs30Days, {C::description, C::currentVersion, C::thirtyDays}},
+        {"unknown sort value",
+         {{QStringLiteral("homebrewCatalog.sortOption"), QStringLiteral("popularity")}},
+         HomebrewSortOption::installs30Days,
+         {C::description, C::currentVersion, C::thirtyDays}},
+        {"stored false stays false, stored true shows",
+         {{QStringLiteral("homebrewCatalog.sortOption"), QStringLiteral("installs365Days")},
+          {QStringLiteral("homebrewCatalog.columns.description.isVisible"), false},
+          {QStringLiteral("homebrewCatalog.columns.threeHundredSixtyFiveDays.isVisible"), true}},
+         HomebrewSortOption::installs365Days,
+         {C::currentVersion, C::thirtyDays, C::threeHundredSixtyFiveDays}},
+        {"a wrongly typed flag gives the default",
+         {{QStringLiteral("homebrewCatalog.columns.thirtyDays.isVisible"), QStringLiteral("maybe")}},
+         HomebrewSortOption::installs30Days,
+         {C::description, C::currentVersion, C::thirtyDays}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        TempTree tree;
+        SettingsDefaults defaults(tree.path(QStringLiteral("settings.ini")));
+        for (const auto& [name, value] : row.stored)
+            defaults.setValue(name, value);
+        QDateTime clock = QDateTime::currentDateTimeUtc();
+        auto store
+            = makeStore(QStringLiteral("http://127.0.0.1:1"), tree.path(QStringLiteral("cache")), defaults, &clock);
+        EXPECT_EQ(store->sortOption(), row.sort);
+        EXPECT_EQ(store->visibleColumns(), row.visible);
+        EXPECT_EQ(store->selectedKind(), HomebrewCatalogKind::cask);
+    }
+
+    TempTree tree;
+    SettingsDefaults defaults(tree.path(QStringLiteral("settings.ini")));
+    QDateTime clock = QDateTime::currentDateTimeUtc();
+    auto store = makeStore(QStringLiteral("http://127.0.0.1:1"), tree.path(QStringLiteral("cache")), defaults, &clock);
+    for (const HomebrewCatalogColumn column : allCatalogColumns)
+        store->setColumnIsVisible(column, false);
+    EXPECT_TRUE(store->visibleColumns().isEmpty());
+    EXPECT_EQ(defaults.value(HomebrewCatalogStore::columnKey(C::description)).toBool(), false);
+    auto reopened
+        = makeStore(QStringLiteral("http://127.0.0.1:1"), tree.path(QStringLiteral("cache")), defaults, &clock);
+    EXPECT_TRUE(reopened->visibleColumns().isEmpty());
+}
+
+TEST_F(LoadedStore, DetailsComeFromTheCacheFirstAndRevalidateAfterADay)
+{
+    const HomebrewPackageRoute wget {HomebrewCatalogKind::formula, QStringLiteral("wget")};
+    const auto detailRequests = [&] {
+        return std::count_if(service.requests().begin(), service.requests().end(),
+                             [](const auto& seen) { return seen.path.startsWith(u"/v1/details/"); });
+    };
+
+    // First open: nothing cached, an unconditional fetch. A second call while loading does nothing.
+    auto first = store->loadDetail(HomebrewCatalogKind::formula, QStringLiteral("wget"));
+    auto second = store->loadDetail(HomebrewCatalogKind::formula, QStringLiteral("wget"));
+    EXPECT_TRUE(second.isFinished());
+    EXPECT_TRUE(store->detailLoadingRoutes().contains(wget));
+    ASSERT_TRUE(waitUntil([&] { return first.isFinished(); }));
+    EXPECT_EQ(detailRequests(), 1);
+    ASSERT_TRUE(store->detail(wget).has_value());
+    EXPECT_EQ(store->detail(wget)->installCommand(), u"brew install wget");
+    EXPECT_FALSE(store->detailErrors().contains(wget));
+
+    struct Row
+    {
+        const char* name;
+        qint64 hoursLater;
+        int requests;
+    };
+    const QDateTime fetched = clock;
+    for (const Row& row : {Row {"23 hours: no request", 23, 1}, Row {"24 hours: a conditional request", 24, 2}}) {
+        SCOPED_TRACE(row.name);
+        clock = fetched.addSecs(row.hoursLater * 3600);
+        auto load = store->loadDetail(HomebrewCatalogKind::formula, QStringLiteral("wget"));
+        ASSERT_TRUE(waitUntil([&] { return load.isFinished(); }));
+        EXPECT_EQ(detailRequests(), row.requests);
+        EXPECT_TRUE(store->detail(wget).has_value());
+    }
+    EXPECT_FALSE(service.requests().last().ifNoneMatch.isEmpty());
+
+    // A corrupt cached file is stepped over and replaced by a good answer.
+    const QString cached = tree.path(QStringLiteral("cache/proxy-v1-formula-detail-wget.json"));
+    {
+        QFile file(cached);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write("{\"name\":");
+    }
+    auto repaired = store->loadDetail(HomebrewCatalogKind::formula, QStringLiteral("wget"));
+    ASSERT_TRUE(waitUntil([&] { return repaired.isFinished(); }));
+    EXPECT_EQ(detailRequests(), 3);
+    EXPECT_TRUE(service.requests().last().ifNoneMatch.isEmpty());
+    QFile file(cached);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(file.readAll().startsWith("{\"name\":\"wget\""));
+
+    // A package the service does not have: the error is kept for the page, no detail appears.
+    const HomebrewPackageRoute missing {HomebrewCatalogKind::cask, QStringLiteral("no-such-cask")};
+    auto absent = store->loadDetail(missing.kind, missing.identifier);
+    ASSERT_TRUE(waitUntil([&] { return absent.isFinished(); }));
+    EXPECT_EQ(store->detailErrors().value(missing), u"Homebrew returned HTTP status 404.");
+    EXPECT_FALSE(store->detail(missing).has_value());
+    EXPECT_FALSE(store->detailLoadingRoutes().contains(missing));
+}

@@ -1,0 +1,322 @@
+#include <QFile>
+#include <QSignalSpy>
+#include <QTcpServer>
+
+#include <gtest/gtest.h>
+
+#include "CatalogFixtures.h"
+#include "CatalogServiceFixture.h"
+#include "foundation/Defaults.h"
+#include "homebrew_catalog/HomebrewCatalogStore.h"
+#include "testsupport/TempTree.h"
+#include "testsupport/TestEnvironment.h"
+
+using namespace quillbay;
+using namespace quillbay::test;
+using Fixture = CatalogServiceFixture;
+
+namespace {
+
+const QByteArray key("quillbay-development-catalog-signing-key-0123456789abcdef0123456");
+const QString refreshFailed
+    = QStringLiteral("Some Homebrew data could not be updated. Cached data is shown when available.");
+const QString cacheUnreadable = QStringLiteral("The cached Homebrew data could not be read.");
+
+const QList<Fixture::Formula> formulaeA {
+    {QStringLiteral("wget"), QStringLiteral("Internet file retriever")},
+    {QStringLiteral("curl"), QStringLiteral("Get a file from an HTTP server"), QStringLiteral("8.5.0"), 1},
+    {QStringLiteral("openssl@3"), QStringLiteral("Cryptography and SSL/TLS Toolkit")},
+};
+const QList<Fixture::Cask> casksA {
+    {QStringLiteral("firefox"), QStringLiteral("Mozilla Firefox"), QStringLiteral("Web browser")},
+    {QStringLiteral("iterm2"), QStringLiteral("iTerm2"), QStringLiteral("Terminal emulator")},
+};
+const QList<std::pair<QString, QString>> installsA {{QStringLiteral("curl"), QStringLiteral("1,444,028")},
+                                                    {QStringLiteral("wget"), QStringLiteral("98,765")}};
+
+// A store as the application builds it, on a temporary cache folder and settings file.
+struct StoreUnderTest
+{
+    StoreUnderTest(const QString& base, const QString& root, QDateTime* clock)
+        : defaults(root + QStringLiteral("/settings.ini"))
+    {
+        HomebrewAPIClient::Configuration configuration;
+        configuration.baseURL = QUrl(base);
+        configuration.signingSecret = key;
+        configuration.now = [] { return QDateTime::currentDateTimeUtc(); };
+        configuration.currentDate = [clock] { return *clock; };
+        store = std::make_unique<HomebrewCatalogStore>(
+            std::make_unique<HomebrewAPIClient>(
+                configuration, std::make_unique<HomebrewCacheService>(root + QStringLiteral("/cache"))),
+            HomebrewCatalogProcessor(), defaults, [clock] { return *clock; });
+    }
+
+    bool idle() const
+    {
+        return store->hasLoaded() && !store->hasLoadTask() && !store->isRefreshing() && !store->isLoading()
+            && !store->isFiltering();
+    }
+
+    SettingsDefaults defaults;
+    std::unique_ptr<HomebrewCatalogStore> store;
+};
+
+template <typename Rows> QStringList identifiers(const Rows& rows)
+{
+    QStringList out;
+    for (const auto& row : rows)
+        out.append(row.identifier);
+    return out;
+}
+
+QByteArray readFile(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void overwrite(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    ASSERT_EQ(file.write(bytes), bytes.size());
+}
+
+QString cacheFile(const TempTree& tree, const QString& name)
+{
+    return tree.path(QStringLiteral("cache/") + name);
+}
+
+QString snapshotCacheName(const QString& id, HomebrewCatalogKind kind)
+{
+    return HomebrewEndpoint::catalogSnapshot(kind,
+                                             QStringLiteral("/v1/catalog/snapshots/%1/%2.json").arg(id, rawValue(kind)))
+               .cacheStem()
+        + QStringLiteral(".json");
+}
+
+bool settle(const HomebrewCatalogStore& store, const QFuture<void>& future)
+{
+    return waitUntil([&] { return future.isFinished() && !store.isFiltering(); }, 15000);
+}
+
+} // namespace
+
+TEST(HomebrewCatalogStoreTest, FirstLoadThenNotModifiedRoundThenANewPair)
+{
+    Fixture service;
+    service.publish(QStringLiteral("A"), formulaeA, casksA, installsA);
+    TempTree tree;
+    QDateTime clock = QDateTime::fromSecsSinceEpoch(1750000000, Qt::UTC);
+    StoreUnderTest s(service.baseURL(), tree.root(), &clock);
+    HomebrewCatalogStore& store = *s.store;
+
+    QSignalSpy generations(&store, &HomebrewCatalogStore::catalogGenerationChanged);
+    store.loadIfNeeded();
+    store.loadIfNeeded(); // a second call while loading starts nothing
+    ASSERT_TRUE(waitUntil([&] { return s.idle() && store.catalogGeneration() > 0; }));
+    EXPECT_FALSE(store.refreshErrorMessage().has_value());
+    // Installs first, the unknown count last; curl's summary version carries its revision.
+    EXPECT_EQ(identifiers(store.formulae()), strings({"curl", "wget", "openssl@3"}));
+    EXPECT_EQ(store.formulae()[0].analytics.thirtyDays, 1444028);
+    EXPECT_EQ(store.formulae()[0].version, u"8.5.0_1");
+    EXPECT_EQ(identifiers(store.casks()), strings({"iterm2", "firefox"}));
+    EXPECT_EQ(store.summariesByRoute().size(), 5);
+    EXPECT_EQ(store.summary({HomebrewCatalogKind::cask, QStringLiteral("firefox")})->displayName, u"Mozilla Firefox");
+    EXPECT_EQ(store.lastCheckDate(), clock);
+    EXPECT_EQ(store.lastSuccessfulRefreshDate(), clock);
+    EXPECT_EQ(service.requests().size(), 3);
+    const QByteArray validatedA = readFile(cacheFile(tree, QStringLiteral("proxy-v1-validated-catalog-manifest.json")));
+    EXPECT_TRUE(validatedA.contains("\"snapshotID\":\"A\""));
+
+    // Within a day nothing more is asked.
+    store.loadIfNeeded();
+    EXPECT_FALSE(store.hasLoadTask());
+
+    // Force refresh still sends validators; every answer is a 304 and the catalog is applied again.
+    const qint64 before = store.catalogGeneration();
+    ASSERT_TRUE(settle(store, store.forceRefresh()));
+    ASSERT_EQ(service.requests().size(), 6);
+    for (int i = 3; i < 6; ++i)
+        EXPECT_FALSE(service.requests()[i].ifNoneMatch.isEmpty()) << service.requests()[i].path.toStdString();
+    EXPECT_GT(store.catalogGeneration(), before);
+    EXPECT_EQ(identifiers(store.formulae()), strings({"curl", "wget", "openssl@3"}));
+
+    // A new pair replaces the catalog and the stale snapshot files.
+    service.publish(QStringLiteral("B"), formulaeA.mid(0, 2),
+                    casksA + QList<Fixture::Cask> {{QStringLiteral("zoom"), QStringLiteral("Zoom"), {}}});
+    ASSERT_TRUE(settle(store, store.forceRefresh()));
+    EXPECT_FALSE(store.refreshErrorMessage().has_value());
+    EXPECT_EQ(store.allFormulae().size(), 2);
+    EXPECT_EQ(store.allCasks().size(), 3);
+    EXPECT_EQ(store.casks().size(), 3);
+    EXPECT_FALSE(store.summary({HomebrewCatalogKind::formula, QStringLiteral("openssl@3")}).has_value());
+    EXPECT_TRUE(readFile(cacheFile(tree, QStringLiteral("proxy-v1-validated-catalog-manifest.json")))
+                    .contains("\"snapshotID\":\"B\""));
+    EXPECT_FALSE(QFile::exists(cacheFile(tree, snapshotCacheName(QStringLiteral("A"), HomebrewCatalogKind::formula))));
+    EXPECT_TRUE(QFile::exists(cacheFile(tree, snapshotCacheName(QStringLiteral("B"), HomebrewCatalogKind::cask))));
+    EXPECT_GE(generations.count(), 3);
+}
+
+TEST(HomebrewCatalogStoreTest, ServerDyingBetweenTheSnapshotsKeepsTheOldCatalog)
+{
+    Fixture service;
+    service.publish(QStringLiteral("A"), formulaeA, casksA, installsA);
+    DyingProxy proxy(static_cast<quint16>(QUrl(service.baseURL()).port()));
+    TempTree tree;
+    QDateTime clock = QDateTime::fromSecsSinceEpoch(1750000000, Qt::UTC);
+    StoreUnderTest s(QStringLiteral("http://127.0.0.1:%1").arg(proxy.port()), tree.root(), &clock);
+    HomebrewCatalogStore& store = *s.store;
+    store.loadIfNeeded();
+    ASSERT_TRUE(waitUntil([&] { return s.idle() && store.catalogGeneration() > 0; }));
+    const QByteArray validatedA = readFile(cacheFile(tree, QStringLiteral("proxy-v1-validated-catalog-manifest.json")));
+    const auto formulaeBefore = store.formulae();
+
+    service.publish(QStringLiteral("B"), formulaeA.mid(1), casksA.mid(1));
+    proxy.dieOnRequestFor("/v1/catalog/snapshots/B/cask.json");
+    ASSERT_TRUE(settle(store, store.forceRefresh()));
+    EXPECT_TRUE(proxy.hasDied());
+    EXPECT_EQ(store.refreshErrorMessage(), refreshFailed);
+    EXPECT_EQ(store.formulae(), formulaeBefore);
+    EXPECT_EQ(store.allCasks().size(), 2);
+    EXPECT_EQ(readFile(cacheFile(tree, QStringLiteral("proxy-v1-validated-catalog-manifest.json"))), validatedA);
+    // The fetched manifest already follows the server.
+    EXPECT_TRUE(
+        readFile(cacheFile(tree, QStringLiteral("proxy-v1-catalog-manifest.json"))).contains("\"snapshotID\":\"B\""));
+    EXPECT_FALSE(QFile::exists(cacheFile(tree, snapshotCacheName(QStringLiteral("B"), HomebrewCatalogKind::cask))));
+    EXPECT_TRUE(QFile::exists(cacheFile(tree, snapshotCacheName(QStringLiteral("A"), HomebrewCatalogKind::cask))));
+    // The failed attempt counts as a check: no retry from loadIfNeeded within the day.
+    EXPECT_EQ(store.lastCheckDate(), clock);
+    store.loadIfNeeded();
+    EXPECT_FALSE(store.hasLoadTask());
+}
+
+TEST(HomebrewCatalogStoreTest, SnapshotAlteredByOneByteIsRefusedAndNotWritten)
+{
+    Fixture service;
+    service.publish(QStringLiteral("A"), formulaeA, casksA);
+    TempTree tree;
+    QDateTime clock = QDateTime::fromSecsSinceEpoch(1750000000, Qt::UTC);
+    StoreUnderTest s(service.baseURL(), tree.root(), &clock);
+    HomebrewCatalogStore& store = *s.store;
+    store.loadIfNeeded();
+    ASSERT_TRUE(waitUntil([&] { return s.idle() && store.catalogGeneration() > 0; }));
+
+    service.publish(QStringLiteral("B"), formulaeA, casksA.mid(1));
+    const QString served = service.snapshotFile(QStringLiteral("B"), QStringLiteral("cask"));
+    QByteArray bytes = readFile(served);
+    const qsizetype at = bytes.indexOf("iTerm2");
+    ASSERT_GE(at, 0);
+    bytes[at] = 'J';
+    QFile::remove(served);
+    overwrite(served, bytes);
+
+    ASSERT_TRUE(settle(store, store.forceRefresh()));
+    EXPECT_EQ(store.refreshErrorMessage(), refreshFailed);
+    EXPECT_EQ(store.allCasks().size(), 2);
+    EXPECT_FALSE(QFile::exists(cacheFile(tree, snapshotCacheName(QStringLiteral("B"), HomebrewCatalogKind::cask))));
+    EXPECT_TRUE(readFile(cacheFile(tree, QStringLiteral("proxy-v1-validated-catalog-manifest.json")))
+                    .contains("\"snapshotID\":\"A\""));
+}
+
+TEST(HomebrewCatalogStoreTest, StartUpFromCacheVerifiesItAndFollowsTheDailyPolicy)
+{
+    Fixture service;
+    service.publish(QStringLiteral("A"), formulaeA, casksA, installsA);
+    TempTree tree;
+    const QDateTime start = QDateTime::fromSecsSinceEpoch(1750000000, Qt::UTC);
+    QDateTime clock = start;
+    {
+        StoreUnderTest s(service.baseURL(), tree.root(), &clock);
+        s.store->loadIfNeeded();
+        ASSERT_TRUE(waitUntil([&] { return s.idle() && s.store->catalogGeneration() > 0; }));
+    }
+    const qsizetype asked = service.requests().size();
+
+    struct Row
+    {
+        const char* name;
+        qint64 hoursLater;
+        bool refreshes;
+    };
+    for (const Row& row : {Row {"23 hours later: cache only", 23, false}, Row {"24 hours later: refresh", 24, true}}) {
+        SCOPED_TRACE(row.name);
+        clock = start.addSecs(row.hoursLater * 3600);
+        const qsizetype askedBefore = service.requests().size();
+        StoreUnderTest s(service.baseURL(), tree.root(), &clock);
+        s.store->loadIfNeeded();
+        ASSERT_TRUE(waitUntil([&] { return s.idle() && s.store->catalogGeneration() > 0; }));
+        EXPECT_EQ(s.store->allFormulae().size(), 3);
+        EXPECT_EQ(service.requests().size() > askedBefore, row.refreshes);
+        EXPECT_FALSE(s.store->refreshErrorMessage().has_value());
+    }
+    EXPECT_GT(service.requests().size(), asked);
+}
+
+TEST(HomebrewCatalogStoreTest, CorruptCacheAtStartShowsItsMessageAndStillRefreshes)
+{
+    Fixture service;
+    service.publish(QStringLiteral("A"), formulaeA, casksA);
+    TempTree tree;
+    QDateTime clock = QDateTime::fromSecsSinceEpoch(1750000000, Qt::UTC);
+    {
+        StoreUnderTest s(service.baseURL(), tree.root(), &clock);
+        s.store->loadIfNeeded();
+        ASSERT_TRUE(waitUntil([&] { return s.idle() && s.store->catalogGeneration() > 0; }));
+    }
+    // Same size, one byte different: only the hash can tell.
+    const QString cached = cacheFile(tree, snapshotCacheName(QStringLiteral("A"), HomebrewCatalogKind::formula));
+    QByteArray bytes = readFile(cached);
+    bytes[bytes.indexOf("wget")] = 'W';
+    overwrite(cached, bytes);
+    tree.writeFile(QStringLiteral("cache/refresh-state.json"), "{\"lastCheckDate\":");
+
+    // Offline: the refresh that follows fails too, and nothing is on show.
+    QTcpServer closed;
+    ASSERT_TRUE(closed.listen(QHostAddress::LocalHost, 0));
+    const QString deadBase = QStringLiteral("http://127.0.0.1:%1").arg(closed.serverPort());
+    closed.close();
+    StoreUnderTest offline(deadBase, tree.root(), &clock);
+    QStringList messages;
+    QObject::connect(offline.store.get(), &HomebrewCatalogStore::changed, offline.store.get(), [&] {
+        const auto& message = offline.store->refreshErrorMessage();
+        if (message && (messages.isEmpty() || messages.last() != *message))
+            messages.append(*message);
+    });
+    offline.store->loadIfNeeded();
+    ASSERT_TRUE(waitUntil([&] { return offline.idle() && !messages.isEmpty() && messages.last() == refreshFailed; }));
+    EXPECT_EQ(messages.first(), cacheUnreadable);
+    EXPECT_TRUE(offline.store->allFormulae().isEmpty());
+    EXPECT_FALSE(offline.store->lastSuccessfulRefreshDate().has_value());
+    EXPECT_FALSE(offline.store->catalogHasPackages(HomebrewCatalogKind::cask));
+    // Online, the service answers the snapshot requests with 304, and the corrupt cached body
+    // fails its check again: a 304 is never taken on trust.
+    StoreUnderTest online(service.baseURL(), tree.root(), &clock);
+    online.store->loadIfNeeded();
+    ASSERT_TRUE(waitUntil([&] { return online.idle() && online.store->refreshErrorMessage() == refreshFailed; }));
+    EXPECT_TRUE(online.store->allFormulae().isEmpty());
+    // The catalog is empty, so the next appearance tries again at once; a new pair heals it.
+    service.publish(QStringLiteral("B"), formulaeA, casksA);
+    online.store->loadIfNeeded();
+    ASSERT_TRUE(waitUntil([&] { return online.idle() && online.store->catalogGeneration() > 0; }));
+    EXPECT_FALSE(online.store->refreshErrorMessage().has_value());
+    EXPECT_EQ(online.store->allFormulae().size(), 3);
+}
+
+TEST(HomebrewCatalogStoreTest, FirstRunOfflineRetriesOnTheNextAppearance)
+{
+    TempTree tree;
+    QTcpServer closed;
+    ASSERT_TRUE(closed.listen(QHostAddress::LocalHost, 0));
+    const QString deadBase = QStringLiteral("http://127.0.0.1:%1").arg(closed.serverPort());
+    closed.close();
+    QDateTime clock = QDateTime::fromSecsSinceEpoch(1750000000, Qt::UTC);
+    StoreUnderTest s(deadBase, tree.root(), &clock);
+    s.store->loadIfNeeded();
+    ASSERT_TRUE(waitUntil([&] { return s.idle() && s.store->refreshErrorMessage().has_value(); }));
+    EXPECT_EQ(s.store->refreshErrorMessage(), refreshFailed);
+    EXPECT_EQ(s.store->lastCheckDate(), clock);
+    s.store->loadIfNeeded();
+    EXPECT_TRUE(s.store->isRefreshing() || s.store->hasLoadTask());
+    ASSERT_TRUE(waitUntil([&] { return s.idle(); }));
+}
