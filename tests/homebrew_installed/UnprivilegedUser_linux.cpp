@@ -11,7 +11,7 @@ namespace quillbay::test {
 
 namespace {
 
-constexpr uid_t kNobody = 65534;
+constexpr unsigned kNobody = 65534;
 
 } // namespace
 
@@ -21,10 +21,11 @@ UnprivilegedUser::UnprivilegedUser()
         m_permissionsApply = true;
         return;
     }
-    // The group first, while still allowed to change it.
-    if (::setegid(kNobody) != 0 || ::seteuid(kNobody) != 0) {
+    // Real and effective ids both, since access() checks the real one; the saved ids stay
+    // root. The group first, while still allowed to change it.
+    if (::setresgid(kNobody, kNobody, 0) != 0 || ::setresuid(kNobody, kNobody, 0) != 0) {
         m_failure = QString::fromLocal8Bit(std::strerror(errno));
-        if (::setegid(0) != 0)
+        if (::setresgid(0, 0, 0) != 0)
             qFatal("cannot return to the root group");
         return;
     }
@@ -36,7 +37,7 @@ UnprivilegedUser::~UnprivilegedUser()
 {
     if (!m_switched)
         return;
-    if (::seteuid(0) != 0 || ::setegid(0) != 0)
+    if (::setresuid(0, 0, 0) != 0 || ::setresgid(0, 0, 0) != 0)
         qFatal("cannot return to the root user after an unprivileged section");
 }
 
