@@ -15,11 +15,14 @@ namespace quillbay {
 class HomebrewInstalledPackageProcessor
 {
 public:
+    virtual ~HomebrewInstalledPackageProcessor() = default;
+
     // A stop request makes it return early with whatever it has; the caller drops that.
-    HomebrewInstalledPackageLists process(const QList<HomebrewInstalledPackage>& rawPackages,
-                                          const HomebrewPackageSummaries& catalogSummaries,
-                                          const QString& searchText,
-                                          std::stop_token stopToken = {}) const;
+    // Virtual so that tests can hold a call open and change the store while it runs.
+    virtual HomebrewInstalledPackageLists process(const QList<HomebrewInstalledPackage>& rawPackages,
+                                                  const HomebrewPackageSummaries& catalogSummaries,
+                                                  const QString& searchText,
+                                                  std::stop_token stopToken = {}) const;
 };
 
 } // namespace quillbay

@@ -1,5 +1,6 @@
 #include <QDir>
 #include <QFile>
+#include <cstdio>
 
 #include <gtest/gtest.h>
 
@@ -8,8 +9,6 @@
 #include "homebrew_installed/HomebrewInstallationBookmarkService.h"
 #include "platform/FolderBookmark.h"
 #include "testsupport/TempTree.h"
-
-#include <cstdio>
 
 using namespace quillbay;
 using namespace quillbay::test;

@@ -54,11 +54,16 @@ QStringList rows(const QList<HomebrewInstalledPackage>& packages)
 // A small installation with the awkward cases: two kept versions, a name shared by a
 // formula and a cask, a package the catalog does not know, numbers inside names.
 const QList<HomebrewInstalledPackage> kInstalled = {
-    raw(formula, u"python@3.12"_s, u"3.12.1"_s), raw(formula, u"docker"_s, u"27.0"_s),
-    raw(cask, u"docker"_s, u"4.30"_s),          raw(formula, u"python@3.12"_s, u"3.12.10"_s),
-    raw(formula, u"python@3.12"_s, u"3.12.9"_s), raw(formula, u"homemade"_s, u"0.1"_s),
-    raw(formula, u"lib2"_s, u"1.0"_s),           raw(formula, u"lib10"_s, u"1.0"_s),
-    raw(cask, u"zed"_s, u"0.140"_s),             raw(cask, u"Alfred"_s, u"5.5"_s),
+    raw(formula, u"python@3.12"_s, u"3.12.1"_s),
+    raw(formula, u"docker"_s, u"27.0"_s),
+    raw(cask, u"docker"_s, u"4.30"_s),
+    raw(formula, u"python@3.12"_s, u"3.12.10"_s),
+    raw(formula, u"python@3.12"_s, u"3.12.9"_s),
+    raw(formula, u"homemade"_s, u"0.1"_s),
+    raw(formula, u"lib2"_s, u"1.0"_s),
+    raw(formula, u"lib10"_s, u"1.0"_s),
+    raw(cask, u"zed"_s, u"0.140"_s),
+    raw(cask, u"Alfred"_s, u"5.5"_s),
 };
 
 const HomebrewPackageSummaries kCatalog = byRoute({
@@ -76,23 +81,25 @@ const HomebrewPackageSummaries kCatalog = byRoute({
 
 TEST(HomebrewInstalledPackageProcessorTest, JoinsByKindAndIdentifierThenSortsAndSplits)
 {
-    const HomebrewInstalledPackageLists lists =
-        HomebrewInstalledPackageProcessor().process(kInstalled, kCatalog, QString());
+    const HomebrewInstalledPackageLists lists
+        = HomebrewInstalledPackageProcessor().process(kInstalled, kCatalog, QString());
 
-    EXPECT_EQ(rows(lists.formulae), (QStringList {
-                                        u"docker|docker|27.0"_s,
-                                        u"homemade|homemade|0.1"_s, // unknown: sorts by identifier
-                                        u"lib2|lib2|1.0"_s,         // numbers by value
-                                        u"lib10|lib10|1.0"_s,
-                                        u"python@3.12|python@3.12|3.12.10"_s, // newest kept version first
-                                        u"python@3.12|python@3.12|3.12.9"_s,
-                                        u"python@3.12|python@3.12|3.12.1"_s,
-                                    }));
-    EXPECT_EQ(rows(lists.casks), (QStringList {
-                                     u"Alfred|Alfred|5.5"_s,
-                                     u"Docker Desktop|docker|4.30"_s,
-                                     u"Zed|zed|0.140"_s,
-                                 }));
+    EXPECT_EQ(rows(lists.formulae),
+              (QStringList {
+                  u"docker|docker|27.0"_s,
+                  u"homemade|homemade|0.1"_s, // unknown: sorts by identifier
+                  u"lib2|lib2|1.0"_s, // numbers by value
+                  u"lib10|lib10|1.0"_s,
+                  u"python@3.12|python@3.12|3.12.10"_s, // newest kept version first
+                  u"python@3.12|python@3.12|3.12.9"_s,
+                  u"python@3.12|python@3.12|3.12.1"_s,
+              }));
+    EXPECT_EQ(rows(lists.casks),
+              (QStringList {
+                  u"Alfred|Alfred|5.5"_s,
+                  u"Docker Desktop|docker|4.30"_s,
+                  u"Zed|zed|0.140"_s,
+              }));
 
     struct Expectation
     {
@@ -128,14 +135,16 @@ TEST(HomebrewInstalledPackageProcessorTest, SearchKeepsMatchingRowsOfBothKinds)
         QStringList casks;
     };
     const Case cases[] = {
-        {u"   \n\t"_s, {u"docker"_s, u"homemade"_s, u"lib2"_s, u"lib10"_s, u"python@3.12"_s}, {u"Alfred"_s, u"docker"_s, u"zed"_s}},
+        {u"   \n\t"_s,
+         {u"docker"_s, u"homemade"_s, u"lib2"_s, u"lib10"_s, u"python@3.12"_s},
+         {u"Alfred"_s, u"docker"_s, u"zed"_s}},
         {u"DOCKER"_s, {u"docker"_s}, {u"docker"_s}},
-        {u"  desktop "_s, {}, {u"docker"_s}},          // display name, trimmed
-        {u"python3"_s, {u"python@3.12"_s}, {}},        // alias only
-        {u"ship"_s, {u"docker"_s}, {}},                // summary
-        {u"3.12.9"_s, {u"python@3.12"_s}, {}},         // installed version
-        {u"27.1"_s, {}, {}},                           // catalog version is not searched
-        {u"homemade cask"_s, {}, {}},                  // other kind's summary never joined
+        {u"  desktop "_s, {}, {u"docker"_s}}, // display name, trimmed
+        {u"python3"_s, {u"python@3.12"_s}, {}}, // alias only
+        {u"ship"_s, {u"docker"_s}, {}}, // summary
+        {u"3.12.9"_s, {u"python@3.12"_s}, {}}, // installed version
+        {u"27.1"_s, {}, {}}, // catalog version is not searched
+        {u"homemade cask"_s, {}, {}}, // other kind's summary never joined
         {u"ALFRÉD"_s, {}, {u"Alfred"_s}},
     };
     for (const Case& c : cases) {

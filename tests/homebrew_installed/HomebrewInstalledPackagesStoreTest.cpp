@@ -1,3 +1,4 @@
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QStringList>
 
@@ -276,6 +277,9 @@ TEST_F(HomebrewInstalledPackagesStoreTest, SearchIsDebouncedAndOnlyTheLastResult
         EXPECT_TRUE(store->isFiltering());
         EXPECT_TRUE(store->hasSearchText());
     }
+    // Nothing happens during the pause (a timer never fires early by this much).
+    QSignalSpy early(store.get(), &HomebrewInstalledPackagesStore::packagesChanged);
+    EXPECT_FALSE(early.wait(100));
     EXPECT_EQ(store->formulae().size(), 3);
     ASSERT_TRUE(waitUntil([&] { return !store->isFiltering(); }));
     EXPECT_EQ(published, (QList<QStringList> {{u"jq 1.7.1"_s}}));
@@ -297,7 +301,14 @@ TEST_F(HomebrewInstalledPackagesStoreTest, SearchIsDebouncedAndOnlyTheLastResult
 
 TEST_F(HomebrewInstalledPackagesStoreTest, ANewerChangeDropsTheResultOfARunningProcess)
 {
-    auto store = makeStore();
+    auto control = std::make_shared<GatedProcessor::Control>();
+    control->gate.release(1); // the processing after the first scan
+    auto store = std::make_unique<HomebrewInstalledPackagesStore>(
+        std::make_unique<HomebrewInstallationBookmarkService>(*m_defaults, kKey),
+        std::make_unique<HomebrewInstallationScanner>(), std::make_unique<GatedProcessor>(control), m_pickers,
+        m_workspace, UserPaths::forHome(m_tree.path(u"home"_s)));
+    // Whatever happens below, no call may stay blocked when the store drains its executors.
+    const auto openGate = qScopeGuard([&] { control->gate.release(100); });
     store->start({});
     authorizeThroughPanel(*store);
     ASSERT_TRUE(waitUntil([&] { return idle(*store) && store->formulae().size() == 3; }));
@@ -307,13 +318,21 @@ TEST_F(HomebrewInstalledPackagesStoreTest, ANewerChangeDropsTheResultOfARunningP
     QObject::connect(store.get(), &HomebrewInstalledPackagesStore::packagesChanged, &context,
                      [&] { published.append(rows(store->formulae()) + rows(store->casks())); });
 
-    // The join starts at once; before its result can come back, a search supersedes it.
+    // The join is running (held at the gate) when a search supersedes it; the search's own
+    // call queues behind it on the processor.
     store->updateCatalogSummaries(catalog());
+    ASSERT_TRUE(waitUntil([&] { return control->started == 2; }));
     store->setSearchText(u"firefox"_s);
+    QSignalSpy none(store.get(), &HomebrewInstalledPackagesStore::packagesChanged);
+    EXPECT_FALSE(none.wait(400)); // the pause passes; the search's call waits its turn
+    EXPECT_EQ(control->started, 2);
+    EXPECT_TRUE(store->isFiltering());
+    control->gate.release(2);
     ASSERT_TRUE(waitUntil([&] { return !store->isFiltering(); }));
     QSignalSpy more(store.get(), &HomebrewInstalledPackagesStore::packagesChanged);
-    EXPECT_FALSE(more.wait(300));
+    EXPECT_FALSE(more.wait(200));
     EXPECT_EQ(published, (QList<QStringList> {{u"Mozilla Firefox 128.0"_s}}));
+    EXPECT_EQ(control->started, 3);
 }
 
 TEST_F(HomebrewInstalledPackagesStoreTest, AScanWithAnActiveSearchIsFilteredToo)
@@ -463,9 +482,8 @@ TEST_F(HomebrewInstalledPackagesStoreTest, ThePanelOpensAtAnInstalledPrefix)
     m_tree.writeFile(u"home/.linuxbrew/bin/brew"_s, "#!/bin/sh\n");
     const QString home = m_tree.path(u"home/.linuxbrew"_s);
     if (candidates.contains(home)) {
-        const auto firstWithBrew = std::find_if(candidates.cbegin(), candidates.cend(), [](const QString& c) {
-            return QFile::exists(c + u"/bin/brew"_s);
-        });
+        const auto firstWithBrew = std::find_if(candidates.cbegin(), candidates.cend(),
+                                                [](const QString& c) { return QFile::exists(c + u"/bin/brew"_s); });
         EXPECT_EQ(store->suggestedRootDirectory(), *firstWithBrew);
     }
     m_pickers.answers.push_back(std::nullopt);

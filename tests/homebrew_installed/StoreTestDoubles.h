@@ -1,10 +1,14 @@
 #pragma once
 
 #include <QObject>
+#include <QSemaphore>
 #include <QStringList>
 #include <QTimer>
+#include <atomic>
 #include <deque>
+#include <memory>
 
+#include "homebrew_installed/HomebrewInstalledPackageProcessor.h"
 #include "platform/Pickers.h"
 #include "platform/Workspace.h"
 
@@ -52,6 +56,36 @@ public:
     std::optional<QString> applicationPath(const QString&) override { return std::nullopt; }
     QStringList runningApplicationIdentifiers() override { return {}; }
     bool openTerminal(const QString&) override { return true; }
+};
+
+// The real processor, with a gate in front: each call waits for a permit, so a test can
+// change the store while a call is provably still running.
+class GatedProcessor final : public HomebrewInstalledPackageProcessor
+{
+public:
+    struct Control
+    {
+        QSemaphore gate;
+        std::atomic<int> started {0};
+    };
+
+    explicit GatedProcessor(std::shared_ptr<Control> control)
+        : m_control(std::move(control))
+    {
+    }
+
+    HomebrewInstalledPackageLists process(const QList<HomebrewInstalledPackage>& rawPackages,
+                                          const HomebrewPackageSummaries& catalogSummaries,
+                                          const QString& searchText,
+                                          std::stop_token stopToken) const override
+    {
+        ++m_control->started;
+        m_control->gate.acquire();
+        return HomebrewInstalledPackageProcessor::process(rawPackages, catalogSummaries, searchText, stopToken);
+    }
+
+private:
+    std::shared_ptr<Control> m_control;
 };
 
 } // namespace quillbay::test

@@ -1,11 +1,11 @@
-#include "UnprivilegedUser.h"
-
 #include <QFile>
 #include <cerrno>
 #include <cstring>
 
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include "UnprivilegedUser.h"
 
 namespace quillbay::test {
 

@@ -1,9 +1,9 @@
-#include "UnprivilegedUser.h"
-
 #include <QFile>
 
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include "UnprivilegedUser.h"
 
 namespace quillbay::test {
 
