@@ -149,8 +149,9 @@ private:
 
     // Callers of loadAuthorization that arrived while it was at work; they resume with it.
     std::vector<std::function<void()>> m_authorizationWaiters;
-    // Raised by removeAuthorization, so that a scan started before it cannot bring the
-    // forgotten rows back.
+    // Raised when the user starts an authorization or removes it. A restore or scan that
+    // began before then must not overwrite the newer decision: a stale restore would drop
+    // a just-chosen root (or remove its bookmark), a stale scan bring forgotten rows back.
     quint64 m_authorizationEpoch = 0;
 
     // The current processing task: one stop source per task, replaced by each newer one.

@@ -65,9 +65,13 @@ void HomebrewInstalledPackagesStore::loadAuthorization(std::function<void()> don
 
     // Only the bookmark is restored: no access is opened and the folder is not validated
     // until the scan, which reports its own problems.
+    const quint64 epoch = m_authorizationEpoch;
     m_bookmarkService.run([](HomebrewInstallationBookmarkService& service) { return service.restoreRootURL(); })
-        .then(this, [this](HomebrewInstallationBookmarkService::RestoreOutcome outcome) {
-            if (const auto* error = std::get_if<HomebrewInstallationBookmarkError>(&outcome)) {
+        .then(this, [this, epoch](HomebrewInstallationBookmarkService::RestoreOutcome outcome) {
+            if (epoch != m_authorizationEpoch) {
+                // The user chose or removed a root meanwhile; that decision stands, and the
+                // key now belongs to it (results of different services may land in any order).
+            } else if (const auto* error = std::get_if<HomebrewInstallationBookmarkError>(&outcome)) {
                 m_rootURL.reset();
                 m_errorMessage = errorDescription(*error);
                 // A dead bookmark would fail at every launch; anything else may recover.
@@ -175,6 +179,7 @@ void HomebrewInstalledPackagesStore::authorize(const QString& url, std::function
         return;
     }
     m_isScanning = true;
+    ++m_authorizationEpoch;
     m_errorMessage.reset();
     m_operationErrorMessage.reset();
     if (!FolderBookmark::startAccess(url)) {

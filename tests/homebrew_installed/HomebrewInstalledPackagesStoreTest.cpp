@@ -142,7 +142,6 @@ TEST_F(HomebrewInstalledPackagesStoreTest, FirstVisitAuthorizesThenTheNextLaunch
     EXPECT_FALSE(packages.wait(300));
     EXPECT_EQ(store->formulae().size(), 4);
     store->rescan();
-    EXPECT_TRUE(store->isScanning());
     ASSERT_TRUE(waitUntil([&] { return store->formulae().size() == 5 && idle(*store); }));
     EXPECT_EQ(rows(store->formulae()).mid(0, 3), (QStringList {u"jq 1.9.0"_s, u"jq 1.8.0"_s, u"jq 1.7.1"_s}));
 }
@@ -194,6 +193,26 @@ TEST_F(HomebrewInstalledPackagesStoreTest, ADeadBookmarkIsReportedAndDropped)
     EXPECT_FALSE(store->isAuthorized());
     EXPECT_EQ(store->errorMessage(), u"The saved Homebrew folder authorization is no longer valid."_s);
     EXPECT_TRUE(waitUntil([&] { return !m_defaults->contains(kKey); }));
+}
+
+TEST_F(HomebrewInstalledPackagesStoreTest, AFolderChosenWhileTheDeadBookmarkIsRestoredStands)
+{
+    // The restore, the scan and the save run on different executors, so their results may
+    // land in either order; repeat to meet both.
+    for (int attempt = 0; attempt < 8; ++attempt) {
+        SCOPED_TRACE(attempt);
+        m_defaults->setValue(kKey, QByteArray("a bookmark of a folder long gone"));
+        auto store = makeStore();
+        store->start({});
+        authorizeThroughPanel(*store);
+        ASSERT_TRUE(waitUntil([&] { return idle(*store) && store->hasLoadedAuthorization(); }));
+        EXPECT_EQ(store->rootURL(), m_root);
+        EXPECT_FALSE(store->errorMessage().has_value());
+        store.reset(); // drains every executor, so a late removal of the key would show now
+        const auto restored = HomebrewInstallationBookmarkService(*m_defaults, kKey).restoreRootURL();
+        ASSERT_TRUE(std::holds_alternative<std::optional<QString>>(restored));
+        EXPECT_EQ(std::get<std::optional<QString>>(restored), m_root);
+    }
 }
 
 TEST_F(HomebrewInstalledPackagesStoreTest, ARemovedRootFolderFailsTheScanButKeepsTheBookmark)
