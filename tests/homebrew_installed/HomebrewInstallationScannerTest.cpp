@@ -1,0 +1,325 @@
+#include <QStringList>
+#include <algorithm>
+
+#include <gtest/gtest.h>
+
+#include "UnprivilegedUser.h"
+#include "homebrew_installed/HomebrewInstallationScanner.h"
+#include "testsupport/TempTree.h"
+
+using namespace quillbay;
+using namespace quillbay::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QByteArrayView kBrewScript = "#!/bin/bash\nexec ruby brew.rb \"$@\"\n";
+
+void makeBrew(TempTree& tree, const QString& root)
+{
+    tree.writeFile(root + u"/bin/brew"_s, kBrewScript.toByteArray());
+}
+
+// "kind identifier version path-below-root", sorted within each kind but keeping the kinds'
+// order, so a test sees both the rows and that casks come first.
+QStringList describe(const HomebrewInstallationScanResult& result, const QString& root)
+{
+    QStringList casks;
+    QStringList formulae;
+    for (const HomebrewInstalledPackage& p : result.packages) {
+        EXPECT_FALSE(p.catalogSummary.has_value());
+        const QString below = p.installationURL.startsWith(root + u'/') ? p.installationURL.mid(root.size() + 1)
+                                                                        : u"OUTSIDE "_s + p.installationURL;
+        (p.kind == HomebrewCatalogKind::cask ? casks : formulae)
+            .append(rawValue(p.kind) + u' ' + p.identifier + u' ' + p.installedVersion + u' ' + below);
+    }
+    // Listing order is the file system's; the rows of one kind must still be contiguous.
+    const auto firstFormula = std::find_if(result.packages.cbegin(), result.packages.cend(),
+                                           [](const auto& p) { return p.kind == HomebrewCatalogKind::formula; });
+    EXPECT_TRUE(std::all_of(firstFormula, result.packages.cend(), [](const auto& p) {
+        return p.kind == HomebrewCatalogKind::formula;
+    })) << "casks must all come before formulae";
+    casks.sort();
+    formulae.sort();
+    return casks + formulae;
+}
+
+HomebrewInstallationScanResult scanOrFail(const QString& root)
+{
+    const auto outcome = HomebrewInstallationScanner().scan(root);
+    if (const auto* error = std::get_if<HomebrewInstallationScannerError>(&outcome)) {
+        ADD_FAILURE() << "scan failed: " << errorDescription(*error).toStdString();
+        return {};
+    }
+    return std::get<HomebrewInstallationScanResult>(outcome);
+}
+
+} // namespace
+
+TEST(HomebrewInstallationScannerTest, ValidatesTheRoot)
+{
+    TempTree tree;
+    makeBrew(tree, u"plain"_s);
+    tree.mkdir(u"brew-is-folder/bin/brew"_s);
+    tree.writeFile(u"brew-is-link/libexec/brew"_s, kBrewScript.toByteArray());
+    tree.symlink(u"brew-is-link/bin/brew"_s, u"../libexec/brew"_s);
+    tree.mkdir(u"dangling/bin"_s);
+    tree.symlink(u"dangling/bin/brew"_s, u"../missing"_s);
+    tree.mkdir(u"no-bin/Cellar"_s);
+    tree.writeFile(u"bin-is-file/bin"_s, "brew");
+    tree.writeFile(u"brew-elsewhere/brew"_s, kBrewScript.toByteArray());
+    tree.writeFile(u"a-file"_s, "x");
+    tree.symlink(u"link-to-plain"_s, u"plain"_s);
+    tree.symlink(u"link-to-nothing"_s, u"missing"_s);
+
+    using Error = HomebrewInstallationScannerError;
+    struct Case
+    {
+        QString root;
+        std::optional<Error> expected;
+    };
+    const Case cases[] = {
+        {tree.path(u"plain"_s), std::nullopt},
+        {tree.path(u"brew-is-folder"_s), std::nullopt},
+        {tree.path(u"brew-is-link"_s), std::nullopt},
+        {tree.path(u"link-to-plain"_s), std::nullopt},
+        {tree.path(u"plain/"_s), std::nullopt},
+        {tree.path(u"no-bin/../plain/./"_s), std::nullopt},
+        {tree.path(u"dangling"_s), Error::invalidRoot},
+        {tree.path(u"no-bin"_s), Error::invalidRoot},
+        {tree.path(u"bin-is-file"_s), Error::invalidRoot},
+        {tree.path(u"brew-elsewhere"_s), Error::invalidRoot},
+        {tree.path(u"missing"_s), Error::rootIsNotReadable},
+        {tree.path(u"a-file"_s), Error::rootIsNotReadable},
+        {tree.path(u"link-to-nothing"_s), Error::rootIsNotReadable},
+        {QString(), Error::rootIsNotReadable},
+    };
+    const HomebrewInstallationScanner scanner;
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.root.toStdString());
+        EXPECT_EQ(scanner.validateRoot(c.root), c.expected);
+        const auto outcome = scanner.scan(c.root);
+        if (c.expected)
+            EXPECT_EQ(std::get_if<Error>(&outcome) ? std::optional(*std::get_if<Error>(&outcome)) : std::nullopt,
+                      c.expected);
+        else
+            EXPECT_TRUE(std::holds_alternative<HomebrewInstallationScanResult>(outcome));
+    }
+    EXPECT_EQ(errorDescription(Error::invalidRoot), u"Choose a Homebrew root folder that contains bin/brew."_s);
+    EXPECT_EQ(errorDescription(Error::rootIsNotReadable), u"The selected Homebrew root folder is not readable."_s);
+}
+
+TEST(HomebrewInstallationScannerTest, ListsVersionFoldersAndIgnoresEverythingElse)
+{
+    TempTree tree;
+    makeBrew(tree, u"brew"_s);
+    tree.mkdir(u"brew/Cellar/wget/1.24.5/bin"_s);
+    tree.mkdir(u"brew/Cellar/wget/1.25.0"_s);
+    tree.writeFile(u"brew/Cellar/wget/INSTALL_RECEIPT.json"_s, "{}");
+    tree.mkdir(u"brew/Cellar/wget/.hidden-version"_s);
+    tree.mkdir(u"brew/Cellar/empty-package"_s);
+    tree.mkdir(u"brew/Cellar/.hidden-package/1.0"_s);
+    tree.writeFile(u"brew/Cellar/README"_s, "not a package");
+    // A package folder that is a link, even to a real package inside the root, is no package.
+    tree.mkdir(u"brew/opt-real/linked-package/3.0"_s);
+    tree.symlink(u"brew/Cellar/linked-package"_s, u"../opt-real/linked-package"_s);
+    // A version folder that is a link is no version, wherever it points.
+    tree.mkdir(u"brew/Cellar/git/2.45.0"_s);
+    tree.symlink(u"brew/Cellar/git/current"_s, u"2.45.0"_s);
+    tree.mkdir(u"outside/9.9"_s);
+    tree.symlink(u"brew/Cellar/git/escaped"_s, u"../../../outside/9.9"_s);
+    // Odd names pass through unchanged.
+    tree.mkdir(u"brew/Cellar/odd name's (x)/1.0 beta+ü$HOME"_s);
+    tree.mkdir(u"brew/Caskroom/firefox/128.0"_s);
+    tree.mkdir(u"brew/Caskroom/firefox/129.0"_s);
+    tree.mkdir(u"brew/Caskroom/font-fira code/6.2"_s);
+
+    const QString root = tree.path(u"brew"_s);
+    const HomebrewInstallationScanResult result = scanOrFail(root);
+    EXPECT_TRUE(result.unreadableKinds.empty());
+    EXPECT_EQ(describe(result, root),
+              (QStringList {
+                  u"cask firefox 128.0 Caskroom/firefox/128.0"_s,
+                  u"cask firefox 129.0 Caskroom/firefox/129.0"_s,
+                  u"cask font-fira code 6.2 Caskroom/font-fira code/6.2"_s,
+                  u"formula git 2.45.0 Cellar/git/2.45.0"_s,
+                  u"formula odd name's (x) 1.0 beta+ü$HOME Cellar/odd name's (x)/1.0 beta+ü$HOME"_s,
+                  u"formula wget 1.24.5 Cellar/wget/1.24.5"_s,
+                  u"formula wget 1.25.0 Cellar/wget/1.25.0"_s,
+              }));
+}
+
+TEST(HomebrewInstallationScannerTest, KindFoldersAreFollowedOnlyInsideTheRoot)
+{
+    struct Case
+    {
+        const char* name;
+        std::function<void(TempTree&)> build; // makes the tree around "brew"
+        QString root; // relative to the tree
+        QStringList expected;
+    };
+    const Case cases[] = {
+        {"neither Cellar nor Caskroom", [](TempTree&) {}, u"brew"_s, {}},
+        {"Cellar is a file",
+         [](TempTree& t) {
+             t.writeFile(u"brew/Cellar"_s, "x");
+             t.mkdir(u"brew/Caskroom/iterm2/3.5"_s);
+         },
+         u"brew"_s,
+         {u"cask iterm2 3.5 Caskroom/iterm2/3.5"_s}},
+        {"Cellar links to a folder inside the root",
+         [](TempTree& t) {
+             t.mkdir(u"brew/real-cellar/jq/1.7"_s);
+             t.symlink(u"brew/Cellar"_s, u"real-cellar"_s);
+         },
+         u"brew"_s,
+         {u"formula jq 1.7 Cellar/jq/1.7"_s}},
+        {"Cellar links out of the root",
+         [](TempTree& t) {
+             t.mkdir(u"elsewhere/jq/1.7"_s);
+             t.symlink(u"brew/Cellar"_s, u"../elsewhere"_s);
+             t.mkdir(u"brew/Caskroom/iterm2/3.5"_s);
+         },
+         u"brew"_s,
+         {u"cask iterm2 3.5 Caskroom/iterm2/3.5"_s}},
+        {"Caskroom links to the root's parent",
+         [](TempTree& t) {
+             t.mkdir(u"brew/Cellar/jq/1.7"_s);
+             t.symlink(u"brew/Caskroom"_s, u".."_s);
+         },
+         u"brew"_s,
+         {u"formula jq 1.7 Cellar/jq/1.7"_s}},
+        {"Caskroom is a dangling link", [](TempTree& t) { t.symlink(u"brew/Caskroom"_s, u"gone"_s); }, u"brew"_s, {}},
+        {"root reached through a link",
+         [](TempTree& t) {
+             t.mkdir(u"brew/Cellar/jq/1.7"_s);
+             t.symlink(u"brew-link"_s, u"brew"_s);
+         },
+         u"brew-link"_s,
+         {u"formula jq 1.7 Cellar/jq/1.7"_s}},
+        {"root given with dot segments",
+         [](TempTree& t) { t.mkdir(u"brew/Cellar/jq/1.7"_s); },
+         u"brew/Cellar/../."_s,
+         {u"formula jq 1.7 Cellar/jq/1.7"_s}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        TempTree tree;
+        makeBrew(tree, u"brew"_s);
+        c.build(tree);
+        const HomebrewInstallationScanResult result = scanOrFail(tree.path(c.root));
+        EXPECT_TRUE(result.unreadableKinds.empty());
+        // Rows name the root as given (standardized), not its resolved target.
+        const QString shownRoot = c.root == u"brew-link"_s ? tree.path(c.root) : tree.path(u"brew"_s);
+        EXPECT_EQ(describe(result, shownRoot), c.expected);
+    }
+}
+
+TEST(HomebrewInstallationScannerTest, ContainmentResolvesLinksOnBothSides)
+{
+    TempTree tree;
+    tree.mkdir(u"root/Cellar/wget/1.0"_s);
+    tree.mkdir(u"root2/Cellar"_s);
+    tree.mkdir(u"outside/x"_s);
+    tree.symlink(u"root/escape"_s, u"../outside"_s);
+    tree.symlink(u"root/inner-link"_s, u"Cellar/wget"_s);
+    tree.symlink(u"outside/back-in"_s, u"../root/Cellar"_s);
+    tree.symlink(u"root-link"_s, u"root"_s);
+
+    const QString root = tree.path(u"root"_s);
+    struct Case
+    {
+        QString url;
+        QString root;
+        bool expected;
+    };
+    const Case cases[] = {
+        {root, root, true},
+        {root + u"/"_s, root, true},
+        {tree.path(u"root/Cellar/wget/1.0"_s), root, true},
+        {tree.path(u"root/Cellar/not-yet-there/1.0"_s), root, true},
+        {tree.path(u"root2/Cellar"_s), root, false}, // shared prefix, other folder
+        {tree.path(u"root/Cellar/../../outside/x"_s), root, false}, // dot segments leave
+        {tree.path(u"root/escape/x"_s), root, false}, // link inside points out
+        {tree.path(u"root/inner-link/1.0"_s), root, true}, // link inside stays in
+        {tree.path(u"outside/back-in/wget"_s), root, true}, // link outside points in
+        {tree.path(u"root/Cellar/wget"_s), tree.path(u"root-link"_s), true},
+        {tree.path(u"root-link/Cellar/wget"_s), root, true},
+        {tree.path(u"root"_s), tree.path(u"root/Cellar"_s), false}, // the parent is not inside
+        {tree.path(u"outside"_s), root, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE((c.url + u" in "_s + c.root).toStdString());
+        EXPECT_EQ(HomebrewInstallationScanner::isInsideRoot(c.url, c.root), c.expected);
+    }
+}
+
+TEST(HomebrewInstallationScannerTest, AFolderThatCannotBeListedMakesItsKindUnreadable)
+{
+    struct Case
+    {
+        const char* name;
+        QString locked; // relative to the tree
+        int mode;
+        std::set<HomebrewCatalogKind> unreadable;
+        QStringList expected;
+    };
+    const Case cases[] = {
+        {"a package folder",
+         u"brew/Cellar/locked"_s,
+         0,
+         {HomebrewCatalogKind::formula},
+         {u"cask iterm2 3.5 Caskroom/iterm2/3.5"_s}},
+        {"a package folder that can be entered but not read",
+         u"brew/Cellar/locked"_s,
+         0111,
+         {HomebrewCatalogKind::formula},
+         {u"cask iterm2 3.5 Caskroom/iterm2/3.5"_s}},
+        {"the Caskroom",
+         u"brew/Caskroom"_s,
+         0,
+         {HomebrewCatalogKind::cask},
+         {u"formula locked 2.0 Cellar/locked/2.0"_s, u"formula wget 1.0 Cellar/wget/1.0"_s}},
+        // Version folders are never listed, so a locked one still counts as installed.
+        {"a version folder",
+         u"brew/Cellar/wget/1.0"_s,
+         0,
+         {},
+         {u"cask iterm2 3.5 Caskroom/iterm2/3.5"_s, u"formula locked 2.0 Cellar/locked/2.0"_s,
+          u"formula wget 1.0 Cellar/wget/1.0"_s}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        TempTree tree;
+        UnprivilegedUser::makeReachable(tree.root());
+        makeBrew(tree, u"brew"_s);
+        tree.mkdir(u"brew/Cellar/wget/1.0"_s);
+        tree.mkdir(u"brew/Cellar/locked/2.0"_s);
+        tree.mkdir(u"brew/Caskroom/iterm2/3.5"_s);
+        tree.chmod(c.locked, c.mode);
+
+        HomebrewInstallationScanResult result;
+        {
+            const UnprivilegedUser user;
+            if (!user.permissionsApply())
+                GTEST_SKIP() << "cannot drop root privileges to make a folder unlistable: "
+                             << user.failure().toStdString();
+            result = scanOrFail(tree.path(u"brew"_s));
+        }
+        EXPECT_EQ(result.unreadableKinds, c.unreadable);
+        EXPECT_EQ(describe(result, tree.path(u"brew"_s)), c.expected);
+    }
+}
+
+TEST(HomebrewInstallationScannerTest, AnUnreadableRootIsRefused)
+{
+    TempTree tree;
+    UnprivilegedUser::makeReachable(tree.root());
+    makeBrew(tree, u"brew"_s);
+    tree.chmod(u"brew"_s, 0311);
+    const UnprivilegedUser user;
+    if (!user.permissionsApply())
+        GTEST_SKIP() << "cannot drop root privileges to make a folder unreadable: " << user.failure().toStdString();
+    EXPECT_EQ(HomebrewInstallationScanner().validateRoot(tree.path(u"brew"_s)),
+              HomebrewInstallationScannerError::rootIsNotReadable);
+}
