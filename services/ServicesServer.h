@@ -20,6 +20,8 @@ public:
 
     // Not owned; each must outlive the server.
     void addService(HttpService* service);
+    // For endpoints that register their own routes; routes answer before the services.
+    QHttpServer& httpServer() { return m_server; }
     // The bound port, or 0 when listening failed. Port 0 picks a free one.
     quint16 listen(const QHostAddress& address, quint16 port);
 

@@ -1,7 +1,7 @@
 // quillbay-services: the reference catalog service (and, beside it, the update service).
 //
 //   quillbay-services import --sample <input dir> --output <data dir> [--snapshot-id <id>]
-//   quillbay-services serve --data <data dir> --port <n>
+//   quillbay-services serve --data <data dir> --port <n> [--latest-version <v>] [--must-update <v,...>]
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QHostAddress>
@@ -10,7 +10,9 @@
 #include "CatalogImporter.h"
 #include "CatalogServer.h"
 #include "ServicesServer.h"
+#include "foundation/BuildConfig.h"
 #include "foundation/Secrets.h"
+#include "update/UpdateEndpoint.h"
 
 using namespace quillbay;
 using namespace quillbay::services;
@@ -59,6 +61,11 @@ int main(int argc, char** argv)
     parser.addOption({QStringLiteral("snapshot-id"), QStringLiteral("Snapshot id to publish."), QStringLiteral("id")});
     parser.addOption({QStringLiteral("data"), QStringLiteral("Data folder to serve."), QStringLiteral("dir")});
     parser.addOption({QStringLiteral("port"), QStringLiteral("Port on 127.0.0.1."), QStringLiteral("n")});
+    parser.addOption({QStringLiteral("latest-version"), QStringLiteral("Newest version the update check offers."),
+                      QStringLiteral("version"), QStringLiteral(QUILLBAY_VERSION)});
+    parser.addOption({QStringLiteral("must-update"),
+                      QStringLiteral("Comma-separated versions that the update check forces to update."),
+                      QStringLiteral("versions")});
     parser.process(app);
 
     const QStringList arguments = parser.positionalArguments();
@@ -78,6 +85,14 @@ int main(int argc, char** argv)
     CatalogServer catalog({parser.value(QStringLiteral("data")), secrets::catalogKey.unmask(), 300, {}});
     ServicesServer server;
     server.addService(&catalog);
+    UpdateEndpointConfig update;
+    update.signatureSecret = QString::fromUtf8(secrets::updateSecret.unmask());
+    update.appID = QStringLiteral(QUILLBAY_APP_ID);
+    update.latestVersion = parser.value(QStringLiteral("latest-version"));
+    update.updateURL = QStringLiteral(QUILLBAY_SUPPORT_URL);
+    update.versionsThatMustUpdate
+        = parser.value(QStringLiteral("must-update")).split(QLatin1Char(','), Qt::SkipEmptyParts);
+    registerUpdateEndpoint(server.httpServer(), std::move(update));
     const quint16 bound = server.listen(QHostAddress::LocalHost, static_cast<quint16>(port));
     if (bound == 0)
         return fail(QStringLiteral("could not listen on 127.0.0.1:%1").arg(port));
