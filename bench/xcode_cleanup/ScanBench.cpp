@@ -19,9 +19,9 @@ namespace {
 int generate(const QString& home, int files)
 {
     Builder builder(UserPaths::forHome(home).developerFolder());
-    const QStringList devices{QStringLiteral("iPhone16,1 17.2.1 (21C66)"), QStringLiteral("iPhone14,2 18.1 (22B83)"),
-                              QStringLiteral("16.2 (20C65) arm64e"),       QStringLiteral("15.1 (19B74) arm64e"),
-                              QStringLiteral("iPhone15,4 26.6 (23G71)"),   QStringLiteral("17.2 (21C62)")};
+    const QStringList devices {QStringLiteral("iPhone16,1 17.2.1 (21C66)"), QStringLiteral("iPhone14,2 18.1 (22B83)"),
+                               QStringLiteral("16.2 (20C65) arm64e"),       QStringLiteral("15.1 (19B74) arm64e"),
+                               QStringLiteral("iPhone15,4 26.6 (23G71)"),   QStringLiteral("17.2 (21C62)")};
     int made = 0;
     for (int i = 0; i < devices.size(); ++i) {
         const QString folder = builder.addDeviceSupport(QStringLiteral("iOS DeviceSupport"), devices[i], 1 << 20);
@@ -30,7 +30,8 @@ int generate(const QString& home, int files)
     builder.addDeviceSupport(QStringLiteral("watchOS DeviceSupport"), QStringLiteral("Watch7,1 11.2"), 1 << 19);
     for (int i = 0; i < 24; ++i) {
         Builder::Archive archive;
-        archive.date = QStringLiteral("2024-%1-%2").arg(1 + i % 12, 2, 10, QLatin1Char('0')).arg(1 + i, 2, 10, QLatin1Char('0'));
+        archive.date
+            = QStringLiteral("2024-%1-%2").arg(1 + i % 12, 2, 10, QLatin1Char('0')).arg(1 + i, 2, 10, QLatin1Char('0'));
         archive.bundleFileName = QStringLiteral("App %1.xcarchive").arg(i);
         archive.bundleIdentifier = QStringLiteral("com.example.app%1").arg(i % 3);
         archive.build = QString::number(100 + i);
