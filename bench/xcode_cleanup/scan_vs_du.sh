@@ -24,9 +24,8 @@ echo "files: $(find "$DEV" -type f | wc -l), folders: $(find "$DEV" -type d | wc
 
 # Prints "<wall> <cpu>" seconds of one command.
 timed() {
-    local out
-    out=$( { /usr/bin/time -f '%e %U %S' "$@" >/dev/null 2>/dev/null; } 2>&1 | tail -1)
-    awk '{printf "%.3f %.3f\n", $1, $2 + $3}' <<<"$out"
+    /usr/bin/time -o "$HOME_DIR/time" -f '%e %U %S' "$@" >/dev/null 2>&1
+    awk '{printf "%.3f %.3f\n", $1, $2 + $3}' "$HOME_DIR/time"
 }
 median() { sort -n | awk '{a[NR] = $1} END {print a[int((NR + 1) / 2)]}'; }
 
