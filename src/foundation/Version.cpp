@@ -28,20 +28,19 @@ std::optional<std::uint64_t> parseUnsigned(QStringView piece)
 
 std::optional<Version> Version::parse(QStringView text)
 {
-    // At most three splits: "1.2.3.4" becomes four pieces and fails, but "1.2.3.4.5" is
-    // also four pieces ("1", "2", "3", "4.5") and fails on the last one.
+    // At most three splits, counted in kept pieces: empty pieces are dropped and do not
+    // use up a split, so "1...2.3" is "1.2.3", while "1.2.3.4.5" leaves a last piece
+    // "4.5" that fails as a number.
     QList<QStringView> pieces;
     qsizetype start = 0;
-    int splits = 0;
     while (true) {
-        const qsizetype dot = splits < 3 ? text.indexOf(QLatin1Char('.'), start) : -1;
+        const qsizetype dot = pieces.size() < 3 ? text.indexOf(QLatin1Char('.'), start) : -1;
         const QStringView piece = dot < 0 ? text.mid(start) : text.mid(start, dot - start);
         if (!piece.isEmpty())
             pieces.append(piece);
         if (dot < 0)
             break;
         start = dot + 1;
-        ++splits;
     }
     if (pieces.size() != 2 && pieces.size() != 3)
         return std::nullopt;
