@@ -13,16 +13,15 @@
 #include <optional>
 #include <vector>
 
+#include "assets_maker/AppIconOption.h"
+#include "assets_maker/AssetScale.h"
+#include "assets_maker/AssetsMakerTab.h"
+#include "assets_maker/ImageSetItem.h"
 #include "core/state/URLBookmark.h"
 #include "platform/UserPaths.h"
 #include "xcode_cleanup/XcodeFileProperties.h"
 #include "xcode_releases/Column.h"
 #include "xcode_releases/XcodeRelease.h"
-
-#include "assets_maker/AppIconOption.h"
-#include "assets_maker/AssetScale.h"
-#include "assets_maker/AssetsMakerTab.h"
-#include "assets_maker/ImageSetItem.h"
 
 namespace quillbay {
 

@@ -15,6 +15,13 @@
 #include "foundation/Defaults.h"
 #include "foundation/Secrets.h"
 #include "homebrew_cache/HomebrewCacheCleanupStore.h"
+#include "homebrew_catalog/HomebrewAPIClient.h"
+#include "homebrew_catalog/HomebrewCacheService.h"
+#include "homebrew_catalog/HomebrewCatalogStore.h"
+#include "homebrew_installed/HomebrewInstallationBookmarkService.h"
+#include "homebrew_installed/HomebrewInstallationScanner.h"
+#include "homebrew_installed/HomebrewInstalledPackageProcessor.h"
+#include "homebrew_installed/HomebrewInstalledPackagesStore.h"
 #include "platform/Pickers.h"
 #include "platform/ReviewRequest.h"
 #include "platform/TipStore.h"
@@ -41,6 +48,7 @@ QuillbayApp::QuillbayApp(std::unique_ptr<Defaults> defaults, std::unique_ptr<Pic
     , m_workspace(Workspace::createSystem())
 {
     // The order matters: later stores take references to earlier ones.
+    buildHomebrewStores();
     buildVersionManager();
     m_savedSpaceStore = std::make_unique<SavedSpaceStore>(*m_defaults, QLatin1String(SavedSpaceStore::defaultKey));
     buildEngagement();
@@ -52,6 +60,21 @@ QuillbayApp::QuillbayApp(std::unique_ptr<Defaults> defaults, std::unique_ptr<Pic
         *m_defaults, *m_savedSpaceStore, *m_pickers, UserPaths::system(),
         [this](const QDateTime& when) { m_engagementPromptStore->recordSuccessfulAction(when); }});
     m_viewModel->setAssetsWorkspace(m_workspace.get());
+}
+
+void QuillbayApp::buildHomebrewStores()
+{
+    const UserPaths paths = UserPaths::system();
+    auto client = std::make_unique<HomebrewAPIClient>(
+        HomebrewAPIClient::defaultConfiguration(),
+        std::make_unique<HomebrewCacheService>(paths.programCacheFolder() + QStringLiteral("/HomebrewCatalog")));
+    m_homebrewCatalogStore
+        = std::make_unique<HomebrewCatalogStore>(std::move(client), HomebrewCatalogProcessor(), *m_defaults);
+    m_homebrewInstalledPackagesStore = std::make_unique<HomebrewInstalledPackagesStore>(
+        std::make_unique<HomebrewInstallationBookmarkService>(
+            *m_defaults, QLatin1String(HomebrewInstalledPackagesStore::rootBookmarkKey)),
+        std::make_unique<HomebrewInstallationScanner>(), std::make_unique<HomebrewInstalledPackageProcessor>(),
+        *m_pickers, *m_workspace, paths);
 }
 
 // --- Updates and engagement -----------------------------------------------------------
@@ -117,6 +140,8 @@ QuillbayApp::~QuillbayApp()
     m_engagementPromptStore.reset();
     m_savedSpaceStore.reset();
     m_versionManager.reset();
+    m_homebrewInstalledPackagesStore.reset();
+    m_homebrewCatalogStore.reset();
 }
 
 void QuillbayApp::windowDidAppear()

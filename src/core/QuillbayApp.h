@@ -12,6 +12,8 @@ namespace quillbay {
 class AppViewModel;
 class Defaults;
 class HomebrewCacheCleanupStore;
+class HomebrewCatalogStore;
+class HomebrewInstalledPackagesStore;
 
 class EngagementPromptPresenter;
 class EngagementPromptStore;
@@ -44,6 +46,8 @@ public:
     AppViewModel& viewModel() const { return *m_viewModel; }
     Pickers& pickers() const { return *m_pickers; }
     HomebrewCacheCleanupStore& homebrewCacheCleanupStore() const { return *m_homebrewCacheCleanupStore; }
+    HomebrewCatalogStore& homebrewCatalogStore() const { return *m_homebrewCatalogStore; }
+    HomebrewInstalledPackagesStore& homebrewInstalledPackagesStore() const { return *m_homebrewInstalledPackagesStore; }
     Workspace& workspace() const { return *m_workspace; }
 
     bool didCheckVersion() const { return m_didCheckVersion; }
@@ -70,6 +74,7 @@ signals:
     void forceUpdateAlertPresentedChanged(bool presented);
 
 private:
+    void buildHomebrewStores();
     void buildVersionManager();
     void buildEngagement();
 
@@ -77,6 +82,9 @@ private:
     std::unique_ptr<Pickers> m_pickers;
     // --- Updates and engagement -------------------------------------------------------
     std::unique_ptr<Workspace> m_workspace;
+    // Built first: nothing in them starts until their screens appear.
+    std::unique_ptr<HomebrewCatalogStore> m_homebrewCatalogStore;
+    std::unique_ptr<HomebrewInstalledPackagesStore> m_homebrewInstalledPackagesStore;
     std::unique_ptr<QNetworkAccessManager> m_network;
     std::unique_ptr<VersionManager> m_versionManager;
     bool m_hasVersionCheckConfiguration = false;
