@@ -46,6 +46,26 @@ bool foldedContains(const QString& foldedHaystack, const QString& foldedNeedle)
     return foldedNeedle.isEmpty() || foldedHaystack.contains(foldedNeedle, Qt::CaseSensitive);
 }
 
+bool isAlphanumericScalar(char32_t scalar)
+{
+    switch (QChar::category(scalar)) {
+    case QChar::Letter_Uppercase:
+    case QChar::Letter_Lowercase:
+    case QChar::Letter_Titlecase:
+    case QChar::Letter_Modifier:
+    case QChar::Letter_Other:
+    case QChar::Mark_NonSpacing:
+    case QChar::Mark_SpacingCombining:
+    case QChar::Mark_Enclosing:
+    case QChar::Number_DecimalDigit:
+    case QChar::Number_Letter:
+    case QChar::Number_Other:
+        return true;
+    default:
+        return false;
+    }
+}
+
 bool localizedStandardContains(const QString& haystack, const QString& needle)
 {
     return foldedContains(foldedSearchKey(haystack), foldedSearchKey(needle));

@@ -17,6 +17,10 @@ int localizedStandardCompare(const QString& a, const QString& b);
 QString foldedSearchKey(const QString& text);
 bool foldedContains(const QString& foldedHaystack, const QString& foldedNeedle);
 
+// Letters, marks and numbers of any script: the characters that need no quoting in a
+// shell word and no percent-encoding in a path segment.
+bool isAlphanumericScalar(char32_t scalar);
+
 // Case- and diacritic-insensitive containment of two raw texts.
 bool localizedStandardContains(const QString& haystack, const QString& needle);
 

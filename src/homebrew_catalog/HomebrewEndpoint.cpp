@@ -1,5 +1,7 @@
 #include "homebrew_catalog/HomebrewEndpoint.h"
 
+#include "foundation/LocalizedText.h"
+
 namespace quillbay {
 
 namespace {
@@ -7,22 +9,7 @@ bool isAllowedUnencoded(char32_t c)
 {
     if (c == U'-' || c == U'.' || c == U'_' || c == U'~')
         return true;
-    switch (QChar::category(c)) {
-    case QChar::Letter_Uppercase:
-    case QChar::Letter_Lowercase:
-    case QChar::Letter_Titlecase:
-    case QChar::Letter_Modifier:
-    case QChar::Letter_Other:
-    case QChar::Mark_NonSpacing:
-    case QChar::Mark_SpacingCombining:
-    case QChar::Mark_Enclosing:
-    case QChar::Number_DecimalDigit:
-    case QChar::Number_Letter:
-    case QChar::Number_Other:
-        return true;
-    default:
-        return false;
-    }
+    return isAlphanumericScalar(c);
 }
 } // namespace
 
