@@ -27,6 +27,7 @@
 #include "platform/Pickers.h"
 #include "testsupport/TempTree.h"
 #include "testsupport/TestEnvironment.h"
+#include "testsupport/WidgetAudit.h"
 
 using namespace quillbay;
 
@@ -139,7 +140,9 @@ TEST(AssetsMakerViewTest, GenerateAsksForAFolderAndRunsTheOpenTab)
     s.model.setWatchOSSelection(AppIconOption::singleSize);
     auto* generate = s.find<QPushButton>("generateAppIconPushButton");
 
-    generate->click(); // the user cancels
+    EXPECT_EQ(test::controlsWithoutAccessibleName(&s.view), "");
+    // Ctrl+Return presses "Generate"; the user cancels the save panel.
+    ASSERT_TRUE(test::pressKey(generate, QKeySequence(Qt::CTRL | Qt::Key_Return)));
     ASSERT_EQ(s.pickers->requests.size(), 1);
     const Pickers::SaveRequest& request = s.pickers->requests[0];
     EXPECT_TRUE(

@@ -21,6 +21,7 @@
 #include "homebrew_cache/views/HomebrewCacheCleanupView.h"
 #include "homebrew_cache/views/HomebrewCacheOutlineModel.h"
 #include "homebrew_cache/views/HomebrewCacheSettingsSection.h"
+#include "testsupport/WidgetAudit.h"
 
 using namespace quillbay;
 using namespace quillbay::test;
@@ -116,8 +117,11 @@ TEST(HomebrewCacheCleanupViewTest, AuthorizeDeselectOnePackageDeleteAndSeeTheRes
     EXPECT_EQ(model.index(0, 0, model.index(0, 0)).data().toString(), QStringLiteral("pkg1"));
     EXPECT_EQ(checkOf(model, "category-node:formula"), Qt::Checked);
 
-    // Asked never again: the next press deletes at once, and the cache is empty.
-    QTest::mouseClick(child<QPushButton>(view, "deletePushButton"), Qt::LeftButton);
+    EXPECT_EQ(controlsWithoutAccessibleName(&view), "");
+
+    // Asked never again: the Delete key deletes at once, and the cache is empty.
+    view.outlineView()->setFocus();
+    ASSERT_TRUE(pressKey(view.outlineView(), QKeySequence::Delete));
     EXPECT_EQ(view.confirmation(), nullptr);
     ASSERT_TRUE(waitUntil(
         [&] { return !f.store->isCleaning() && view.currentPage()->objectName() == QLatin1String("emptyPanel"); }));
@@ -141,7 +145,7 @@ TEST(HomebrewCacheCleanupViewTest, AFailedRescanOffersRetry)
     const QString moved = f.cache.tree().path(QStringLiteral("home/moved"));
     ASSERT_TRUE(QDir().rename(f.cache.root(), moved));
     f.cache.tree().symlink(QStringLiteral("home/.cache/Homebrew"), moved);
-    QTest::mouseClick(child<QToolButton>(view, "rescanToolButton"), Qt::LeftButton);
+    ASSERT_TRUE(pressKey(&view, QKeySequence(Qt::CTRL | Qt::Key_R))) << "Ctrl+R rescans";
     ASSERT_TRUE(waitUntil([&] { return view.currentPage()->objectName() == QLatin1String("failedPanel"); }));
     EXPECT_TRUE(child<QPushButton>(view, "retryPushButton")->isEnabled());
 

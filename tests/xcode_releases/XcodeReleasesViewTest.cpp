@@ -10,6 +10,7 @@
 
 #include "ReleasesFixture.h"
 #include "testsupport/TestEnvironment.h"
+#include "testsupport/WidgetAudit.h"
 #include "xcode_releases/views/DownloadInfoPopover.h"
 #include "xcode_releases/views/ReleaseColumnsPopover.h"
 #include "xcode_releases/views/ReleasesReminderPopover.h"
@@ -109,6 +110,7 @@ TEST(XcodeReleasesViewTest, FirstRunShowsTheDefaultColumnsAndFinalReleases)
     EXPECT_EQ(s.column(s.sectionOf(Column::required)), QStringList {u"macOS 14.5+"_s});
     EXPECT_TRUE(s.find<QToolButton>("onlyReleaseToolButton")->isChecked());
     EXPECT_FALSE(s.view->isShowingFailure());
+    EXPECT_EQ(test::controlsWithoutAccessibleName(s.view.get()), "");
     EXPECT_GE(s.table()->horizontalHeader()->sectionSize(0), 80);
     for (int i = 1; i < s.model()->columnCount(); ++i)
         EXPECT_GE(s.table()->horizontalHeader()->sectionSize(i), 60) << i;
@@ -178,7 +180,7 @@ TEST(XcodeReleasesViewTest, RetryShowsAnEmptyTableWhileItRunsAndTheFailureAgainI
     EXPECT_EQ(s.store.server.requestCount(), 2);
 
     s.store.server.answer(200, kFeed);
-    QTest::mouseClick(s.find<QPushButton>("retryPushButton"), Qt::LeftButton);
+    ASSERT_TRUE(pressKey(s.view.get(), QKeySequence(Qt::CTRL | Qt::Key_R))) << "Ctrl+R is \"Retry\"";
     ASSERT_TRUE(waitUntil([&] { return s.model()->rowCount() == 1; }));
     EXPECT_FALSE(s.view->isShowingFailure());
 

@@ -11,6 +11,7 @@
 
 #include "assets_maker/views/ImageDropArea.h"
 #include "core/AppViewModel.h"
+#include "core/views/KeyboardShortcuts.h"
 
 using namespace Qt::StringLiterals;
 
@@ -59,6 +60,7 @@ AppIconTab::AppIconTab(AppViewModel& model, QWidget* parent)
 
     auto* choose = new QPushButton(u"Choose Image…"_s, this);
     choose->setObjectName(u"chooseImagePushButton"_s);
+    choose->setShortcut(QKeySequence::Open);
     connect(choose, &QPushButton::clicked, m_dropArea, &ImageDropArea::chooseFile);
 
     auto* note = new QLabel(
@@ -72,6 +74,7 @@ AppIconTab::AppIconTab(AppViewModel& model, QWidget* parent)
 
     m_merge->setObjectName(u"mergeCheckBox"_s);
     m_generate->setObjectName(u"generateAppIconPushButton"_s);
+    addKeyToButton(this, m_generate, QKeySequence(Qt::CTRL | Qt::Key_Return));
     m_disabledReason->setObjectName(u"appIconDisabledLabel"_s);
     m_disabledReason->setForegroundRole(QPalette::PlaceholderText);
 

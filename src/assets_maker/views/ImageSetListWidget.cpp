@@ -24,6 +24,7 @@ ImageSetListWidget::ImageSetListWidget(QWidget* parent)
     , m_placeholder(new QLabel(u"Drag and drop image files here"_s, viewport()))
 {
     setObjectName(u"imageSetListWidget"_s);
+    setAccessibleName(u"Images"_s);
     setAcceptDrops(true);
     viewport()->setAcceptDrops(true);
     setDragDropMode(QAbstractItemView::DropOnly);

@@ -12,6 +12,7 @@
 
 #include "assets_maker/views/ImageSetListWidget.h"
 #include "core/AppViewModel.h"
+#include "core/views/KeyboardShortcuts.h"
 
 using namespace Qt::StringLiterals;
 
@@ -50,6 +51,7 @@ ImageSetTab::ImageSetTab(AppViewModel& model, QWidget* parent)
 
     auto* add = new QPushButton(u"Add Images…"_s, this);
     add->setObjectName(u"addImagesPushButton"_s);
+    add->setShortcut(QKeySequence::Open);
     connect(add, &QPushButton::clicked, this, &ImageSetTab::addFiles);
 
     auto* scales = new QHBoxLayout;
@@ -76,6 +78,7 @@ ImageSetTab::ImageSetTab(AppViewModel& model, QWidget* parent)
     size->addWidget(m_sizeFields, 1);
 
     m_generate->setObjectName(u"generateImageSetPushButton"_s);
+    addKeyToButton(this, m_generate, QKeySequence(Qt::CTRL | Qt::Key_Return));
     m_disabledReason->setObjectName(u"imageSetDisabledLabel"_s);
     m_disabledReason->setForegroundRole(QPalette::PlaceholderText);
     auto* actions = new QHBoxLayout;

@@ -68,6 +68,9 @@ void AppShell::buildMenus()
     file->addAction(m_openWindow);
     file->addSeparator();
     file->addAction(m_quit);
+    QMenu* view = bar->addMenu(QStringLiteral("&View"));
+    view->setObjectName(QStringLiteral("viewMenu"));
+    view->addActions(m_window->toolActions());
     QMenu* help = bar->addMenu(QStringLiteral("&Help"));
     help->setObjectName(QStringLiteral("helpMenu"));
     help->addAction(m_leaveTip);

@@ -1,5 +1,6 @@
 #include "core/views/ContentView.h"
 
+#include <QAction>
 #include <QHeaderView>
 #include <QSplitter>
 #include <QStackedWidget>
@@ -71,6 +72,7 @@ void ContentView::buildSidebar()
     m_sidebar->setRootIsDecorated(false);
     m_sidebar->setIndentation(8);
     m_sidebar->setMinimumWidth(180);
+    m_sidebar->setAccessibleName(QStringLiteral("Tools"));
     m_sidebar->setMaximumWidth(320);
     m_sidebar->setFrameShape(QFrame::NoFrame);
     m_sidebar->setIconSize(QSize(18, 18));
@@ -91,6 +93,14 @@ void ContentView::buildSidebar()
             row->setData(0, kToolRole, static_cast<int>(item->tool));
             row->setData(0, Qt::AccessibleTextRole, section.heading + QLatin1Char(' ') + item->title);
             m_rows.insert(item->id, row);
+            // Tools by number, so the keyboard reaches every screen without the sidebar.
+            auto* action = new QAction(section.heading + QLatin1Char(' ') + item->title, this);
+            action->setObjectName(QStringLiteral("toolAction%1").arg(m_toolActions.size() + 1));
+            action->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + m_toolActions.size())));
+            const QUuid id = item->id;
+            connect(action, &QAction::triggered, this, [this, id] { select(id); });
+            addAction(action);
+            m_toolActions << action;
         }
     }
     m_sidebar->expandAll();

@@ -4,6 +4,7 @@
 #include <QMainWindow>
 #include <QUuid>
 
+class QAction;
 class QStackedWidget;
 class QTreeWidget;
 class QTreeWidgetItem;
@@ -28,6 +29,8 @@ public:
     void select(const QUuid& id);
     QWidget* currentScreen() const;
     ToastOverlay* toast() const { return m_toast; }
+    // One action per tool, in sidebar order, on Ctrl+1 to Ctrl+6.
+    const QList<QAction*>& toolActions() const { return m_toolActions; }
     EngagementSurfaces* engagement() const { return m_engagement; }
 
 signals:
@@ -47,6 +50,7 @@ private:
     EngagementSurfaces* m_engagement; // the sidebar footer, the tip sheet, the forced-update alert
     QHash<QUuid, QWidget*> m_screens;
     QHash<QUuid, QTreeWidgetItem*> m_rows;
+    QList<QAction*> m_toolActions;
     QUuid m_selection;
     bool m_wasShown = false;
 };

@@ -86,6 +86,7 @@ HomebrewCacheCleanupView::HomebrewCacheCleanupView(HomebrewCacheCleanupStore& st
     m_rescan->setText(tr("Rescan"));
     m_rescan->setToolTip(tr("Rescan"));
     m_rescan->setAccessibleName(tr("Rescan"));
+    m_rescan->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_R));
     m_rescan->setToolButtonStyle(Qt::ToolButtonIconOnly);
     m_rescan->setAutoRaise(true);
     titleBar->addWidget(title);
@@ -111,6 +112,7 @@ HomebrewCacheCleanupView::HomebrewCacheCleanupView(HomebrewCacheCleanupStore& st
     m_empty->button()->setObjectName(QStringLiteral("emptyRescanPushButton"));
 
     m_outline->setObjectName(QStringLiteral("outlineTreeView"));
+    m_outline->setAccessibleName(tr("Homebrew Caches"));
     m_outline->setModel(m_model);
     m_outline->setUniformRowHeights(true);
     m_outline->setAlternatingRowColors(true);

@@ -57,6 +57,7 @@ CleanupView::CleanupView(AppViewModel& viewModel, QWidget* parent)
     spacer->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     m_toolBar->addWidget(spacer);
     m_rescan->setObjectName(QStringLiteral("rescanAction"));
+    m_rescan->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_R));
     m_information->setObjectName(QStringLiteral("informationAction"));
     m_toolBar->addAction(m_rescan);
     m_toolBar->addAction(m_information);

@@ -147,6 +147,7 @@ XcodeCleanupContent::XcodeCleanupContent(AppViewModel& viewModel, QWidget* paren
     layout->setContentsMargins(0, 0, 0, 0);
 
     m_tree->setObjectName(QStringLiteral("cleanupTreeView"));
+    m_tree->setAccessibleName(QStringLiteral("Xcode Data"));
     m_tree->setModel(m_model);
     m_tree->setItemDelegateForColumn(XcodeCleanupTreeModel::sizeColumn, new SizeDelegate(m_spinnerTimer, m_tree));
     m_tree->setUniformRowHeights(true);

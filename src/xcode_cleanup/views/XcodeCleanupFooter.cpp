@@ -29,6 +29,7 @@ XcodeCleanupFooter::XcodeCleanupFooter(AppViewModel& viewModel, QWidget* parent)
     m_deselectAll->setObjectName(QStringLiteral("deselectAllPushButton"));
     m_delete->setObjectName(QStringLiteral("deletePushButton"));
     m_delete->setDefault(true);
+    m_delete->setShortcut(QKeySequence::Delete);
 
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(12, 8, 12, 10);

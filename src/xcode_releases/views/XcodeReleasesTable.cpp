@@ -23,6 +23,7 @@ XcodeReleasesTable::XcodeReleasesTable(QWidget* parent)
     , m_delegate(new XcodeReleasesCellDelegate(this))
 {
     setObjectName(QStringLiteral("releasesTableView"));
+    setAccessibleName(QStringLiteral("Xcode Releases"));
     setModel(m_model);
     setItemDelegate(m_delegate);
     setSortingEnabled(false);

@@ -89,6 +89,7 @@ XcodeReleasesView::XcodeReleasesView(AppViewModel& viewModel, QWidget* parent)
     message->setAlignment(Qt::AlignCenter);
     auto* retry = new QPushButton(QStringLiteral("Retry"), failure);
     retry->setObjectName(QStringLiteral("retryPushButton"));
+    retry->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_R));
     failureLayout->addWidget(message);
     failureLayout->addWidget(retry, 0, Qt::AlignHCenter);
     failureLayout->addStretch();

@@ -15,6 +15,7 @@
 #include "core/views/ToastOverlay.h"
 #include "foundation/Defaults.h"
 #include "testsupport/TestEnvironment.h"
+#include "testsupport/WidgetAudit.h"
 
 using namespace quillbay;
 
@@ -112,4 +113,22 @@ TEST(ContentViewTest, ToastShowsForThreeSecondsAndANewMessageRestartsTheCount)
     ASSERT_TRUE(test::waitUntil([&] { return toast->text().isEmpty(); }, 4000));
     EXPECT_GE(clock.elapsed() - restartedAt, 2990);
     EXPECT_FALSE(s.app.viewModel().toastMessage().has_value()) << "dismissal clears the message";
+}
+
+TEST(ContentViewTest, CtrlAndANumberOpenEachToolAndEveryControlOnShowHasAName)
+{
+    Shell s;
+    s.shell.openWindow();
+    ContentView* window = s.shell.window();
+    const Tool inSidebarOrder[] = {Tool::xcodeReleases,   Tool::assetsMaker,       Tool::xcodeCleanup,
+                                   Tool::homebrewCatalog, Tool::homebrewInstalled, Tool::homebrewCleanup};
+    // From the last tool backwards, so that every key has to move the selection.
+    for (int number = 6; number >= 1; --number) {
+        const Tool tool = inSidebarOrder[number - 1];
+        SCOPED_TRACE(sidebarItem(tool).title.toStdString());
+        ASSERT_TRUE(test::pressKey(window, QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_0 + number))));
+        EXPECT_EQ(window->selection(), sidebarItem(tool).id);
+        QApplication::processEvents();
+        EXPECT_EQ(test::controlsWithoutAccessibleName(window), "");
+    }
 }

@@ -18,6 +18,7 @@
 #include "foundation/ByteCount.h"
 #include "testsupport/CleanupFlowFixture.h"
 #include "testsupport/ImmutableFile.h"
+#include "testsupport/WidgetAudit.h"
 #include "xcode_cleanup/views/CleanupView.h"
 #include "xcode_cleanup/views/XcodeCleanupContent.h"
 #include "xcode_cleanup/views/XcodeCleanupFooter.h"
@@ -149,10 +150,13 @@ TEST(CleanupViewTest, AuthorizeScanTickDeleteAndSeeTheResult)
     EXPECT_EQ(s.row(QStringLiteral("Derived Data")).data(Qt::CheckStateRole).value<Qt::CheckState>(),
               Qt::PartiallyChecked);
     ASSERT_TRUE(s.button("deletePushButton")->isEnabled());
+    EXPECT_EQ(controlsWithoutAccessibleName(s.view), "");
 
-    // Xcode is not running, so only the confirmation appears; "Delete" goes ahead.
+    // Xcode is not running, so only the confirmation appears; "Delete" goes ahead. The
+    // Delete key does what the footer's button does.
     QSignalSpy credit(s.f.model.get(), &AppViewModel::successfulActionCompleted);
-    s.button("deletePushButton")->click();
+    s.tree()->setFocus();
+    ASSERT_TRUE(pressKey(s.tree(), QKeySequence::Delete));
     QMessageBox* confirm = s.dialog("deletionConfirmationMessageBox");
     ASSERT_NE(confirm, nullptr);
     EXPECT_EQ(confirm->text(), QStringLiteral("Are you sure you want to proceed? This action is irreversible."));
@@ -174,6 +178,11 @@ TEST(CleanupViewTest, AuthorizeScanTickDeleteAndSeeTheResult)
     EXPECT_EQ(s.f.saved.totalBytes(), appBytes + docBytes);
     EXPECT_EQ(s.toast->text(), QStringLiteral("Completed"));
     EXPECT_EQ(credit.count(), 1);
+
+    // Ctrl+R rescans, as the toolbar's "Rescan" does.
+    ASSERT_TRUE(pressKey(s.tree(), QKeySequence(Qt::CTRL | Qt::Key_R)));
+    EXPECT_TRUE(s.f.model->scanning());
+    ASSERT_TRUE(s.f.waitForIdle());
 }
 
 TEST(CleanupViewTest, APartialFailureShowsThePartialMessageAndEarnsNoCredit)
