@@ -220,7 +220,8 @@ void HomebrewInstalledPackagesStore::authorize(const QString& url, std::function
             }
             // The folder is remembered before it is shown, so what is shown survives a restart.
             m_bookmarkService
-                .run([url](const HomebrewInstallationBookmarkService& service) { return service.makeRootBookmark(url); })
+                .run(
+                    [url](const HomebrewInstallationBookmarkService& service) { return service.makeRootBookmark(url); })
                 .then(this,
                       [this, url, done, fail, result = std::get<HomebrewInstallationScanResult>(std::move(outcome))](
                           HomebrewInstallationBookmarkService::BookmarkOutcome bookmark) {

@@ -121,8 +121,7 @@ TEST(HomebrewInstallationBookmarkServiceTest, DamagedBookmarksFailToResolve)
         // Through the settings file, as the store reads them: a text value arrives as no data.
         SettingsDefaults defaults(tree.path(u"defaults.ini"_s));
         defaults.setValue(u"key"_s, c.stored);
-        EXPECT_EQ(restoreError(Service().restoreRootURL(defaults.dataValue(u"key"_s))),
-                  Error::couldNotResolveBookmark);
+        EXPECT_EQ(restoreError(Service().restoreRootURL(defaults.dataValue(u"key"_s))), Error::couldNotResolveBookmark);
     }
 }
 

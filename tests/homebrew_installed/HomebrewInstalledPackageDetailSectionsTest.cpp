@@ -138,8 +138,7 @@ TEST_F(HomebrewInstalledPackageDetailSectionsTest, ShowInFinderRevealsOnlyInside
         {"a row pointing out through ..",
          [this](HomebrewInstalledPackage& package) { package.installationURL = root() + u"/Caskroom/../../home"_s; },
          u"The installation folder is outside the authorized Homebrew root."_s},
-        {"authorization removed in settings",
-         [this](HomebrewInstalledPackage&) { installed->removeAuthorization(); },
+        {"authorization removed in settings", [this](HomebrewInstalledPackage&) { installed->removeAuthorization(); },
          u"Authorize the Homebrew root folder again."_s},
     };
     const HomebrewInstalledPackage firefox = installed->casks()[1];

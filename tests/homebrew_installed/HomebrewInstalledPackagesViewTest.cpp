@@ -102,19 +102,20 @@ TEST_F(HomebrewInstalledPackagesViewTest, AFirstVisitGoesFromAuthorizationThroug
     ASSERT_TRUE(waitUntil([&] { return installed->casks().size() == 1 && installed->casks()[0].catalogSummary; }));
     // The picker starts on "Cask".
     EXPECT_TRUE(view->findChild<QToolButton*>(u"caskToolButton"_s)->isChecked());
-    EXPECT_EQ(shownRows(), (QList<QStringList> {{u"Mozilla Firefox/firefox"_s, u"128.0"_s, u"129.0"_s,
-                                                 u"Possibly Outdated"_s}}));
+    EXPECT_EQ(shownRows(),
+              (QList<QStringList> {{u"Mozilla Firefox/firefox"_s, u"128.0"_s, u"129.0"_s, u"Possibly Outdated"_s}}));
 
     QTest::mouseClick(view->findChild<QToolButton*>(u"formulaToolButton"_s), Qt::LeftButton);
     EXPECT_EQ(installed->selectedKind(), HomebrewCatalogKind::formula);
     ASSERT_TRUE(waitUntil([&] { return model().rowCount() == 3 && !model().index(0, 2).data().toString().isEmpty(); }));
     // Unknown to the catalog: a dash, no subtitle, "Status Unknown"; a revision counts as a
     // different version.
-    EXPECT_EQ(shownRows(), (QList<QStringList> {
-                               {u"curl/"_s, u"8.5.0"_s, u"8.5.0_1"_s, u"Possibly Outdated"_s},
-                               {u"localtool/"_s, u"0.1"_s, u"—"_s, u"Status Unknown"_s},
-                               {u"wget/"_s, u"1.25.0"_s, u"1.25.0"_s, u"Up to Date"_s},
-                           }));
+    EXPECT_EQ(shownRows(),
+              (QList<QStringList> {
+                  {u"curl/"_s, u"8.5.0"_s, u"8.5.0_1"_s, u"Possibly Outdated"_s},
+                  {u"localtool/"_s, u"0.1"_s, u"—"_s, u"Status Unknown"_s},
+                  {u"wget/"_s, u"1.25.0"_s, u"1.25.0"_s, u"Up to Date"_s},
+              }));
     EXPECT_FALSE(view->findChild<QWidget*>(u"errorLine"_s)->isVisible());
 }
 
@@ -126,7 +127,8 @@ TEST_F(HomebrewInstalledPackagesViewTest, SearchShowsSearchingThenTheFilteredRow
     showView();
     ASSERT_TRUE(waitUntil([&] { return installed->hasLoadedAuthorization(); }));
     authorizeThroughPanel();
-    ASSERT_TRUE(waitUntil([&] { return catalogIdle() && installedIdle() && installed->casks().value(0).catalogSummary; }));
+    ASSERT_TRUE(
+        waitUntil([&] { return catalogIdle() && installedIdle() && installed->casks().value(0).catalogSummary; }));
     installed->setSelectedKind(HomebrewCatalogKind::formula);
 
     struct Case
@@ -200,10 +202,11 @@ TEST_F(HomebrewInstalledPackagesViewTest, ARootWithoutCasksShowsNoInstalledCasks
     ASSERT_TRUE(waitUntil([&] { return installedIdle() && model().rowCount() == 2; }));
     ASSERT_TRUE(waitUntil([&] { return catalogIdle() && model().index(0, 2).data().toString() == u"1.25.0"_s; }));
     // Both versions stand next to each other, the newer first; only it is up to date.
-    EXPECT_EQ(shownRows(), (QList<QStringList> {
-                               {u"wget/"_s, u"1.25.0"_s, u"1.25.0"_s, u"Up to Date"_s},
-                               {u"wget/"_s, u"1.24.5"_s, u"1.25.0"_s, u"Possibly Outdated"_s},
-                           }));
+    EXPECT_EQ(shownRows(),
+              (QList<QStringList> {
+                  {u"wget/"_s, u"1.25.0"_s, u"1.25.0"_s, u"Up to Date"_s},
+                  {u"wget/"_s, u"1.24.5"_s, u"1.25.0"_s, u"Possibly Outdated"_s},
+              }));
     // The list stayed on show through the rescan.
     EXPECT_FALSE(seen.contains(State::scanning));
 

@@ -37,16 +37,15 @@ public:
     // The catalog on the service: curl's revision makes its version 8.5.0_1.
     void publishCatalog()
     {
-        service.publish(QStringLiteral("s1"),
-                        {{QStringLiteral("wget"), QStringLiteral("Internet file retriever"), QStringLiteral("1.25.0")},
-                         {QStringLiteral("curl"), QStringLiteral("Get a file from an HTTP server"),
-                          QStringLiteral("8.5.0"), 1},
-                         {QStringLiteral("jq"), QStringLiteral("Lightweight JSON processor"),
-                          QStringLiteral("1.7.1")}},
-                        {{QStringLiteral("firefox"), QStringLiteral("Mozilla Firefox"), QStringLiteral("Web browser"),
-                          QStringLiteral("129.0")},
-                         {QStringLiteral("iterm2"), QStringLiteral("iTerm2"), QStringLiteral("Terminal emulator"),
-                          QStringLiteral("3.5.4")}});
+        service.publish(
+            QStringLiteral("s1"),
+            {{QStringLiteral("wget"), QStringLiteral("Internet file retriever"), QStringLiteral("1.25.0")},
+             {QStringLiteral("curl"), QStringLiteral("Get a file from an HTTP server"), QStringLiteral("8.5.0"), 1},
+             {QStringLiteral("jq"), QStringLiteral("Lightweight JSON processor"), QStringLiteral("1.7.1")}},
+            {{QStringLiteral("firefox"), QStringLiteral("Mozilla Firefox"), QStringLiteral("Web browser"),
+              QStringLiteral("129.0")},
+             {QStringLiteral("iterm2"), QStringLiteral("iTerm2"), QStringLiteral("Terminal emulator"),
+              QStringLiteral("3.5.4")}});
     }
 
     void install(const QString& relative) { m_tree.mkdir(QStringLiteral("brew/") + relative); }
@@ -77,8 +76,8 @@ public:
         configuration.now = [] { return QDateTime::currentDateTimeUtc(); };
         configuration.currentDate = [] { return QDateTime::currentDateTimeUtc(); };
         catalog = std::make_unique<HomebrewCatalogStore>(
-            std::make_unique<HomebrewAPIClient>(configuration, std::make_unique<HomebrewCacheService>(
-                                                                   m_tree.path(QStringLiteral("home/cache")))),
+            std::make_unique<HomebrewAPIClient>(
+                configuration, std::make_unique<HomebrewCacheService>(m_tree.path(QStringLiteral("home/cache")))),
             HomebrewCatalogProcessor(), *defaults);
         installed = std::make_unique<HomebrewInstalledPackagesStore>(
             *defaults, QLatin1String(HomebrewInstalledPackagesStore::rootBookmarkKey),

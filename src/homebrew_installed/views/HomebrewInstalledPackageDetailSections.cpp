@@ -76,8 +76,8 @@ HomebrewInstalledPackageDetailSections::HomebrewInstalledPackageDetailSections(H
     installed->setObjectName(QStringLiteral("installedLocallyGroupBox"));
     auto* form = new QFormLayout(installed);
     form->addRow(tr("Type"), valueLabel(kindLabel(m_package.kind), QStringLiteral("typeLabel"), false, installed));
-    form->addRow(tr("Installed Version"), valueLabel(m_package.installedVersion,
-                                                     QStringLiteral("installedVersionLabel"), true, installed));
+    form->addRow(tr("Installed Version"),
+                 valueLabel(m_package.installedVersion, QStringLiteral("installedVersionLabel"), true, installed));
     m_catalogVersion = valueLabel(QString(), QStringLiteral("catalogVersionLabel"), true, installed);
     form->addRow(tr("Catalog Version"), m_catalogVersion);
     auto* status = new QWidget(installed);
@@ -107,9 +107,10 @@ HomebrewInstalledPackageDetailSections::HomebrewInstalledPackageDetailSections(H
     auto* commandForm = new QFormLayout;
     m_copyUpgrade->setObjectName(QStringLiteral("copyUpgradePushButton"));
     m_copyUninstall->setObjectName(QStringLiteral("copyUninstallPushButton"));
-    commandForm->addRow(tr("Upgrade"),
-                        row(valueLabel(m_package.upgradeCommand(), QStringLiteral("upgradeCommandLabel"), true, commands),
-                            m_copyUpgrade, commands));
+    commandForm->addRow(
+        tr("Upgrade"),
+        row(valueLabel(m_package.upgradeCommand(), QStringLiteral("upgradeCommandLabel"), true, commands),
+            m_copyUpgrade, commands));
     commandForm->addRow(
         tr("Uninstall"),
         row(valueLabel(m_package.uninstallCommand(), QStringLiteral("uninstallCommandLabel"), true, commands),

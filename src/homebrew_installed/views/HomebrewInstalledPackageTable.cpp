@@ -60,6 +60,7 @@ void HomebrewInstalledPackageTable::selectedPackageIDChanged(const QString& id)
     // Copied first: opening may replace the rows under the iterator.
     const HomebrewInstalledPackage package = *it;
     selectionModel()->clearSelection();
+    selectionModel()->clearCurrentIndex();
     emit openPackage(package);
 }
 

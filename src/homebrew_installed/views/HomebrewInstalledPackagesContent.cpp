@@ -39,8 +39,8 @@ HomebrewInstalledPackagesContent::HomebrewInstalledPackagesContent(HomebrewInsta
                                                                    QWidget* parent)
     : QStackedWidget(parent)
     , m_store(store)
-    , m_authorization(new FolderAuthorizationRequiredView(tr("View installed Homebrew Formulae and Casks."),
-                                                          QStringLiteral("externaldrive.badge.questionmark"), this))
+    , m_authorization(new FolderAuthorizationRequiredView(
+          tr("View installed Homebrew Formulae and Casks."), QStringLiteral("externaldrive.badge.questionmark"), this))
     , m_chooseFolder(m_authorization->addAction(tr("Choose Folder"), QStringLiteral("chooseFolderPushButton")))
     , m_scanning(progressPanel(tr("Scanning Installed Packages"), QStringLiteral("scanningPanel"), this))
     , m_failed(new HomebrewInstalledUnavailablePanel(tr("Retry"), this))
@@ -59,8 +59,8 @@ HomebrewInstalledPackagesContent::HomebrewInstalledPackagesContent(HomebrewInsta
     m_noPackages->button()->setObjectName(QStringLiteral("emptyRescanPushButton"));
 
     for (QWidget* page : {static_cast<QWidget*>(m_authorization), m_scanning, static_cast<QWidget*>(m_failed),
-                          m_filtering, static_cast<QWidget*>(m_noSearchResults),
-                          static_cast<QWidget*>(m_noPackages), static_cast<QWidget*>(m_table)})
+                          m_filtering, static_cast<QWidget*>(m_noSearchResults), static_cast<QWidget*>(m_noPackages),
+                          static_cast<QWidget*>(m_table)})
         addWidget(page);
 
     connect(m_chooseFolder, &QPushButton::clicked, &m_store, &HomebrewInstalledPackagesStore::chooseRoot);

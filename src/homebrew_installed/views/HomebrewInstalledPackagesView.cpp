@@ -125,8 +125,7 @@ HomebrewInstalledPackagesView::HomebrewInstalledPackagesView(HomebrewInstalledPa
     layout->addWidget(m_navigation, 1);
 
     connect(m_back, &QToolButton::clicked, this, &HomebrewInstalledPackagesView::goBack);
-    connect(m_caskButton, &QToolButton::clicked, this,
-            [this] { m_store.setSelectedKind(HomebrewCatalogKind::cask); });
+    connect(m_caskButton, &QToolButton::clicked, this, [this] { m_store.setSelectedKind(HomebrewCatalogKind::cask); });
     connect(m_formulaButton, &QToolButton::clicked, this,
             [this] { m_store.setSelectedKind(HomebrewCatalogKind::formula); });
     connect(m_rescan, &QToolButton::clicked, &m_store, &HomebrewInstalledPackagesStore::rescan);
@@ -201,8 +200,9 @@ void HomebrewInstalledPackagesView::goBack()
     refresh();
 }
 
-QWidget* HomebrewInstalledPackagesView::defaultPackagePage(const std::optional<HomebrewInstalledPackage>& installedPackage,
-                                                           QWidget* parent)
+QWidget*
+HomebrewInstalledPackagesView::defaultPackagePage(const std::optional<HomebrewInstalledPackage>& installedPackage,
+                                                  QWidget* parent)
 {
     if (!installedPackage)
         return nullptr;

@@ -31,8 +31,9 @@ class HomebrewInstalledPackagesView : public QWidget
 public:
     // Builds the page of a package: with the installed row when one was opened from the
     // table, without when a route was followed from another package page.
-    using PackagePageFactory = std::function<QWidget*(
-        const HomebrewPackageRoute& route, const std::optional<HomebrewInstalledPackage>& installedPackage, QWidget* parent)>;
+    using PackagePageFactory = std::function<QWidget*(const HomebrewPackageRoute& route,
+                                                      const std::optional<HomebrewInstalledPackage>& installedPackage,
+                                                      QWidget* parent)>;
 
     HomebrewInstalledPackagesView(HomebrewInstalledPackagesStore& store,
                                   HomebrewCatalogStore& catalogStore,
