@@ -20,6 +20,7 @@
 #include "homebrew_catalog/HomebrewCatalogStore.h"
 #include "homebrew_installed/HomebrewInstallationBookmarkService.h"
 #include "homebrew_installed/HomebrewInstallationScanner.h"
+#include "homebrew_installed/HomebrewInstalledCatalogLink.h"
 #include "homebrew_installed/HomebrewInstalledPackageProcessor.h"
 #include "homebrew_installed/HomebrewInstalledPackagesStore.h"
 #include "platform/Pickers.h"
@@ -71,10 +72,10 @@ void QuillbayApp::buildHomebrewStores()
     m_homebrewCatalogStore
         = std::make_unique<HomebrewCatalogStore>(std::move(client), HomebrewCatalogProcessor(), *m_defaults);
     m_homebrewInstalledPackagesStore = std::make_unique<HomebrewInstalledPackagesStore>(
-        std::make_unique<HomebrewInstallationBookmarkService>(
-            *m_defaults, QLatin1String(HomebrewInstalledPackagesStore::rootBookmarkKey)),
-        std::make_unique<HomebrewInstallationScanner>(), std::make_unique<HomebrewInstalledPackageProcessor>(),
-        *m_pickers, *m_workspace, paths);
+        *m_defaults, QLatin1String(HomebrewInstalledPackagesStore::rootBookmarkKey),
+        std::make_unique<HomebrewInstallationBookmarkService>(), std::make_unique<HomebrewInstallationScanner>(),
+        std::make_unique<HomebrewInstalledPackageProcessor>(), *m_pickers, *m_workspace, paths);
+    followCatalog(*m_homebrewInstalledPackagesStore, *m_homebrewCatalogStore);
 }
 
 // --- Updates and engagement -----------------------------------------------------------

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <optional>
 #include <variant>
@@ -8,31 +9,29 @@
 
 namespace quillbay {
 
-class Defaults;
-
-// Keeps the authorized Homebrew root across launches as a folder bookmark under one key.
-// Runs on its own executor while other stores write their keys from the UI thread: it
-// touches only its own key, and QSettings locks its store for each read and write.
+// Turns the authorized Homebrew root into bookmark bytes and back. It works on plain
+// values only: the store reads and writes the defaults key on the UI thread, which owns
+// the defaults, and hands this service the bytes. Runs on its own executor, since
+// resolving and renewing a bookmark touch the file system.
 class HomebrewInstallationBookmarkService
 {
 public:
-    // Nothing (no error) when no bookmark is stored.
-    using RestoreOutcome = std::variant<std::optional<QString>, HomebrewInstallationBookmarkError>;
+    struct Restored
+    {
+        // Absent when nothing was stored.
+        std::optional<QString> path;
+        // Present when the stored bookmark was stale and has been renewed: the caller
+        // stores these bytes in place of the old ones.
+        std::optional<QByteArray> renewedBookmark;
+    };
+    using RestoreOutcome = std::variant<Restored, HomebrewInstallationBookmarkError>;
+    using BookmarkOutcome = std::variant<QByteArray, HomebrewInstallationBookmarkError>;
 
-    HomebrewInstallationBookmarkService(Defaults& defaults, QString bookmarkKey);
-
-    // Resolves the stored bookmark. A bookmark whose folder was replaced (stale) is renewed
-    // under access and stored again before the path is returned.
-    RestoreOutcome restoreRootURL();
-    // The caller holds access to the folder.
-    std::optional<HomebrewInstallationBookmarkError> saveRootURL(const QString& url);
-    void clearRootURL();
-
-    const QString& bookmarkKey() const { return m_bookmarkKey; }
-
-private:
-    Defaults& m_defaults;
-    QString m_bookmarkKey;
+    // Resolves the stored bytes (nothing stored gives an empty Restored). A bookmark whose
+    // folder was replaced is renewed under access before the path is returned.
+    RestoreOutcome restoreRootURL(const std::optional<QByteArray>& storedBookmark) const;
+    // The bytes to store for the folder; the caller holds access to it.
+    BookmarkOutcome makeRootBookmark(const QString& url) const;
 };
 
 } // namespace quillbay

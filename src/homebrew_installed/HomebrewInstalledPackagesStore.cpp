@@ -6,6 +6,8 @@
 namespace quillbay {
 
 HomebrewInstalledPackagesStore::HomebrewInstalledPackagesStore(
+    Defaults& defaults,
+    QString bookmarkKey,
     std::unique_ptr<HomebrewInstallationBookmarkService> bookmarkService,
     std::unique_ptr<HomebrewInstallationScanner> scanner,
     std::unique_ptr<HomebrewInstalledPackageProcessor> processor,
@@ -14,6 +16,8 @@ HomebrewInstalledPackagesStore::HomebrewInstalledPackagesStore(
     UserPaths userPaths,
     QObject* parent)
     : QObject(parent)
+    , m_defaults(defaults)
+    , m_bookmarkKey(std::move(bookmarkKey))
     , m_bookmarkService(std::move(bookmarkService))
     , m_scanner(std::move(scanner))
     , m_processor(std::move(processor))

@@ -21,6 +21,7 @@
 
 namespace quillbay {
 
+class Defaults;
 class Pickers;
 class Workspace;
 
@@ -40,7 +41,11 @@ public:
     // The pause after a keystroke before the lists are filtered again.
     static constexpr int searchDebounceMilliseconds = 150;
 
-    HomebrewInstalledPackagesStore(std::unique_ptr<HomebrewInstallationBookmarkService> bookmarkService,
+    // The root's bookmark lives in `defaults` under `bookmarkKey`; only this store, on the
+    // UI thread, reads and writes it.
+    HomebrewInstalledPackagesStore(Defaults& defaults,
+                                   QString bookmarkKey,
+                                   std::unique_ptr<HomebrewInstallationBookmarkService> bookmarkService,
                                    std::unique_ptr<HomebrewInstallationScanner> scanner,
                                    std::unique_ptr<HomebrewInstalledPackageProcessor> processor,
                                    Pickers& pickers,
@@ -101,6 +106,8 @@ public:
     // holds bin/brew, else the first one, else home.
     QString suggestedRootDirectory() const;
 
+    const QString& bookmarkKey() const { return m_bookmarkKey; }
+
 signals:
     // Flags, the root and the messages.
     void stateChanged();
@@ -123,7 +130,10 @@ private:
     void finishAuthorization(const QString& url, std::function<void()> done);
     void runProcessing(ProcessingSnapshot snapshot, std::stop_token stopToken);
     void cancelProcessing();
+    void clearRootURL();
 
+    Defaults& m_defaults;
+    QString m_bookmarkKey;
     SerialExecutor<HomebrewInstallationBookmarkService> m_bookmarkService;
     SerialExecutor<HomebrewInstallationScanner> m_scanner;
     SerialExecutor<HomebrewInstalledPackageProcessor> m_processor;

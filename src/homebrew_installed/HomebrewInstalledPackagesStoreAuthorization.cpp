@@ -4,6 +4,7 @@
 
 #include <sys/stat.h>
 
+#include "foundation/Defaults.h"
 #include "foundation/Log.h"
 #include "homebrew_installed/HomebrewInstalledPackagesStore.h"
 #include "platform/FolderBookmark.h"
@@ -66,20 +67,27 @@ void HomebrewInstalledPackagesStore::loadAuthorization(std::function<void()> don
     // Only the bookmark is restored: no access is opened and the folder is not validated
     // until the scan, which reports its own problems.
     const quint64 epoch = m_authorizationEpoch;
-    m_bookmarkService.run([](HomebrewInstallationBookmarkService& service) { return service.restoreRootURL(); })
+    std::optional<QByteArray> stored;
+    if (m_defaults.contains(m_bookmarkKey))
+        stored = m_defaults.dataValue(m_bookmarkKey);
+    m_bookmarkService
+        .run([stored](const HomebrewInstallationBookmarkService& service) { return service.restoreRootURL(stored); })
         .then(this, [this, epoch](HomebrewInstallationBookmarkService::RestoreOutcome outcome) {
             if (epoch != m_authorizationEpoch) {
                 // The user chose or removed a root meanwhile; that decision stands, and the
-                // key now belongs to it (results of different services may land in any order).
+                // key now belongs to it.
             } else if (const auto* error = std::get_if<HomebrewInstallationBookmarkError>(&outcome)) {
                 m_rootURL.reset();
                 m_errorMessage = errorDescription(*error);
                 // A dead bookmark would fail at every launch; anything else may recover.
                 if (*error == HomebrewInstallationBookmarkError::couldNotResolveBookmark)
-                    m_bookmarkService.run([](HomebrewInstallationBookmarkService& service) { service.clearRootURL(); });
+                    clearRootURL();
                 logError(u"Homebrew installation bookmark restore failed: "_s, errorDescription(*error));
             } else {
-                m_rootURL = std::get<std::optional<QString>>(outcome);
+                auto restored = std::get<HomebrewInstallationBookmarkService::Restored>(std::move(outcome));
+                if (restored.renewedBookmark)
+                    m_defaults.setValue(m_bookmarkKey, *restored.renewedBookmark);
+                m_rootURL = std::move(restored.path);
             }
             m_isLoadingAuthorization = false;
             m_hasLoadedAuthorization = true;
@@ -212,14 +220,16 @@ void HomebrewInstalledPackagesStore::authorize(const QString& url, std::function
             }
             // The folder is remembered before it is shown, so what is shown survives a restart.
             m_bookmarkService
-                .run([url](HomebrewInstallationBookmarkService& service) { return service.saveRootURL(url); })
+                .run(
+                    [url](const HomebrewInstallationBookmarkService& service) { return service.makeRootBookmark(url); })
                 .then(this,
                       [this, url, done, fail, result = std::get<HomebrewInstallationScanResult>(std::move(outcome))](
-                          std::optional<HomebrewInstallationBookmarkError> error) {
-                          if (error) {
+                          HomebrewInstallationBookmarkService::BookmarkOutcome bookmark) {
+                          if (const auto* error = std::get_if<HomebrewInstallationBookmarkError>(&bookmark)) {
                               fail(errorDescription(*error));
                               return;
                           }
+                          m_defaults.setValue(m_bookmarkKey, std::get<QByteArray>(bookmark));
                           m_rootURL = url;
                           m_hasLoadedAuthorization = true;
                           applyScanResult(result);
@@ -241,7 +251,7 @@ void HomebrewInstalledPackagesStore::removeAuthorization()
 {
     cancelProcessing();
     ++m_authorizationEpoch;
-    m_bookmarkService.run([](HomebrewInstallationBookmarkService& service) { service.clearRootURL(); });
+    clearRootURL();
     m_rootURL.reset();
     m_hasLoadedAuthorization = true;
     m_hasScannedThisLaunch = false;
@@ -254,6 +264,11 @@ void HomebrewInstalledPackagesStore::removeAuthorization()
     m_errorMessage.reset();
     m_operationErrorMessage.reset();
     emit stateChanged();
+}
+
+void HomebrewInstalledPackagesStore::clearRootURL()
+{
+    m_defaults.remove(m_bookmarkKey);
 }
 
 void HomebrewInstalledPackagesStore::revealInstallation(const HomebrewInstalledPackage& package)

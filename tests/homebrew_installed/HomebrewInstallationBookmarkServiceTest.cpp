@@ -16,23 +16,32 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString kKey = u"homebrewInstallation.rootBookmark"_s;
 using Error = HomebrewInstallationBookmarkError;
-using Outcome = HomebrewInstallationBookmarkService::RestoreOutcome;
+using Service = HomebrewInstallationBookmarkService;
+using Outcome = Service::RestoreOutcome;
 
-std::optional<QString> restoredPath(const Outcome& outcome)
+Service::Restored restored(const Outcome& outcome)
 {
     if (const auto* error = std::get_if<Error>(&outcome)) {
         ADD_FAILURE() << "restore failed: " << errorDescription(*error).toStdString();
-        return std::nullopt;
+        return {};
     }
-    return std::get<std::optional<QString>>(outcome);
+    return std::get<Service::Restored>(outcome);
 }
 
 std::optional<Error> restoreError(const Outcome& outcome)
 {
     const auto* error = std::get_if<Error>(&outcome);
     return error ? std::optional(*error) : std::nullopt;
+}
+
+QByteArray bookmark(const Service::BookmarkOutcome& outcome)
+{
+    if (const auto* error = std::get_if<Error>(&outcome)) {
+        ADD_FAILURE() << "bookmark failed: " << errorDescription(*error).toStdString();
+        return {};
+    }
+    return std::get<QByteArray>(outcome);
 }
 
 // Puts a new folder at the same path, so a bookmark of the old one becomes stale. The old
@@ -50,45 +59,42 @@ void replaceFolder(TempTree& tree, const QString& relative)
 
 } // namespace
 
-TEST(HomebrewInstallationBookmarkServiceTest, SavesRestoresAndClearsAcrossLaunches)
+TEST(HomebrewInstallationBookmarkServiceTest, BookmarkBytesRoundTripThroughTheDefaultsFile)
 {
     TempTree tree;
     const QString ini = tree.path(u"defaults.ini"_s);
     const QString root = tree.mkdir(u"brew"_s);
+    const Service service;
+    const auto nothing = restored(service.restoreRootURL(std::nullopt));
+    EXPECT_EQ(nothing.path, std::nullopt);
+    EXPECT_EQ(nothing.renewedBookmark, std::nullopt);
     {
+        // The bytes survive the way the store keeps them: a data value in the settings file.
         SettingsDefaults defaults(ini);
-        HomebrewInstallationBookmarkService service(defaults, kKey);
-        EXPECT_EQ(restoredPath(service.restoreRootURL()), std::nullopt);
-        EXPECT_EQ(service.saveRootURL(root), std::nullopt);
+        defaults.setValue(u"homebrewInstallation.rootBookmark"_s, bookmark(service.makeRootBookmark(root)));
         defaults.sync();
     }
-    {
-        SettingsDefaults defaults(ini);
-        HomebrewInstallationBookmarkService service(defaults, kKey);
-        EXPECT_EQ(restoredPath(service.restoreRootURL()), root);
-        service.clearRootURL();
-        defaults.sync();
-    }
-    SettingsDefaults defaults(ini);
-    EXPECT_FALSE(defaults.contains(kKey));
-    EXPECT_EQ(restoredPath(HomebrewInstallationBookmarkService(defaults, kKey).restoreRootURL()), std::nullopt);
+    const SettingsDefaults defaults(ini);
+    const auto back = restored(service.restoreRootURL(defaults.dataValue(u"homebrewInstallation.rootBookmark"_s)));
+    EXPECT_EQ(back.path, root);
+    EXPECT_EQ(back.renewedBookmark, std::nullopt);
 }
 
 TEST(HomebrewInstallationBookmarkServiceTest, AReplacedFolderIsRenewedOnRestore)
 {
     TempTree tree;
-    SettingsDefaults defaults(tree.path(u"defaults.ini"_s));
-    HomebrewInstallationBookmarkService service(defaults, kKey);
+    const Service service;
     const QString root = tree.mkdir(u"brew"_s);
-    ASSERT_EQ(service.saveRootURL(root), std::nullopt);
-    const QByteArray before = defaults.dataValue(kKey);
+    const QByteArray before = bookmark(service.makeRootBookmark(root));
+    ASSERT_FALSE(before.isEmpty());
 
     replaceFolder(tree, u"brew"_s);
     ASSERT_TRUE(FolderBookmark::resolve(before)->isStale);
-    EXPECT_EQ(restoredPath(service.restoreRootURL()), root);
-    const QByteArray after = defaults.dataValue(kKey);
-    EXPECT_NE(after, before);
-    EXPECT_FALSE(FolderBookmark::resolve(after)->isStale);
+    const auto renewed = restored(service.restoreRootURL(before));
+    EXPECT_EQ(renewed.path, root);
+    ASSERT_TRUE(renewed.renewedBookmark.has_value());
+    EXPECT_NE(*renewed.renewedBookmark, before);
+    EXPECT_FALSE(FolderBookmark::resolve(*renewed.renewedBookmark)->isStale);
 }
 
 TEST(HomebrewInstallationBookmarkServiceTest, DamagedBookmarksFailToResolve)
@@ -112,24 +118,17 @@ TEST(HomebrewInstallationBookmarkServiceTest, DamagedBookmarksFailToResolve)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
+        // Through the settings file, as the store reads them: a text value arrives as no data.
         SettingsDefaults defaults(tree.path(u"defaults.ini"_s));
-        defaults.setValue(kKey, c.stored);
-        EXPECT_EQ(restoreError(HomebrewInstallationBookmarkService(defaults, kKey).restoreRootURL()),
-                  Error::couldNotResolveBookmark);
-        // Removing a dead bookmark is the store's decision, not the service's.
-        EXPECT_TRUE(defaults.contains(kKey));
+        defaults.setValue(u"key"_s, c.stored);
+        EXPECT_EQ(restoreError(Service().restoreRootURL(defaults.dataValue(u"key"_s))), Error::couldNotResolveBookmark);
     }
 }
 
-TEST(HomebrewInstallationBookmarkServiceTest, SavingAMissingFolderFailsAndKeepsTheFormerBookmark)
+TEST(HomebrewInstallationBookmarkServiceTest, AMissingFolderGivesNoBookmark)
 {
     TempTree tree;
-    SettingsDefaults defaults(tree.path(u"defaults.ini"_s));
-    HomebrewInstallationBookmarkService service(defaults, kKey);
-    const QString root = tree.mkdir(u"brew"_s);
-    ASSERT_EQ(service.saveRootURL(root), std::nullopt);
-    EXPECT_EQ(service.saveRootURL(tree.path(u"missing"_s)), Error::couldNotCreateBookmark);
-    EXPECT_EQ(restoredPath(service.restoreRootURL()), root);
+    EXPECT_EQ(std::get<Error>(Service().makeRootBookmark(tree.path(u"missing"_s))), Error::couldNotCreateBookmark);
     EXPECT_EQ(errorDescription(Error::couldNotCreateBookmark),
               u"The Homebrew folder authorization could not be saved."_s);
     EXPECT_EQ(errorDescription(Error::couldNotResolveBookmark),
@@ -141,21 +140,18 @@ TEST(HomebrewInstallationBookmarkServiceTest, AStaleBookmarkOfAClosedFolderIsDen
 {
     TempTree tree;
     UnprivilegedUser::makeReachable(tree.root());
-    SettingsDefaults defaults(tree.path(u"defaults.ini"_s));
-    HomebrewInstallationBookmarkService service(defaults, kKey);
+    const Service service;
     const QString root = tree.mkdir(u"brew"_s);
-    ASSERT_EQ(service.saveRootURL(root), std::nullopt);
+    const QByteArray before = bookmark(service.makeRootBookmark(root));
     replaceFolder(tree, u"brew"_s);
     tree.chmod(u"brew"_s, 0);
-    const QByteArray before = defaults.dataValue(kKey);
 
     Outcome outcome;
     {
         const UnprivilegedUser user;
         if (!user.permissionsApply())
             GTEST_SKIP() << "cannot drop root privileges to close a folder: " << user.failure().toStdString();
-        outcome = service.restoreRootURL();
+        outcome = service.restoreRootURL(before);
     }
     EXPECT_EQ(restoreError(outcome), Error::accessDenied);
-    EXPECT_EQ(defaults.dataValue(kKey), before);
 }

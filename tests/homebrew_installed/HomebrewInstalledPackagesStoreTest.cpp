@@ -1,3 +1,4 @@
+#include <QDir>
 #include <QScopeGuard>
 #include <QSignalSpy>
 #include <QStringList>
@@ -8,6 +9,7 @@
 #include "UnprivilegedUser.h"
 #include "foundation/Defaults.h"
 #include "homebrew_installed/HomebrewInstalledPackagesStore.h"
+#include "platform/FolderBookmark.h"
 #include "testsupport/TempTree.h"
 #include "testsupport/TestEnvironment.h"
 
@@ -72,7 +74,7 @@ protected:
     std::unique_ptr<HomebrewInstalledPackagesStore> makeStore()
     {
         return std::make_unique<HomebrewInstalledPackagesStore>(
-            std::make_unique<HomebrewInstallationBookmarkService>(*m_defaults, kKey),
+            *m_defaults, kKey, std::make_unique<HomebrewInstallationBookmarkService>(),
             std::make_unique<HomebrewInstallationScanner>(), std::make_unique<HomebrewInstalledPackageProcessor>(),
             m_pickers, m_workspace, UserPaths::forHome(m_tree.path(u"home"_s)));
     }
@@ -195,6 +197,32 @@ TEST_F(HomebrewInstalledPackagesStoreTest, ADeadBookmarkIsReportedAndDropped)
     EXPECT_TRUE(waitUntil([&] { return !m_defaults->contains(kKey); }));
 }
 
+TEST_F(HomebrewInstalledPackagesStoreTest, AStaleBookmarkIsRenewedInTheDefaultsOnRestore)
+{
+    {
+        auto store = makeStore();
+        store->start({});
+        authorizeThroughPanel(*store);
+    }
+    const QByteArray before = m_defaults->dataValue(kKey);
+    // A new folder at the same path (reinstalled Homebrew): the old bookmark goes stale.
+    ASSERT_TRUE(QDir().rename(m_root, m_root + u".old"_s));
+    m_tree.writeFile(u"brew/bin/brew"_s, "#!/bin/sh\n");
+    m_tree.mkdir(u"brew/Cellar/wget/2.0"_s);
+    ASSERT_TRUE(FolderBookmark::resolve(before)->isStale);
+
+    auto store = makeStore();
+    store->start({});
+    // The rows of the new folder show that the renewed bookmark led to it.
+    ASSERT_TRUE(waitUntil([&] { return idle(*store) && !store->formulae().isEmpty(); }));
+    EXPECT_EQ(store->rootURL(), m_root);
+    EXPECT_EQ(rows(store->formulae()), QStringList {u"wget 2.0"_s});
+    const QByteArray after = m_defaults->dataValue(kKey);
+    EXPECT_NE(after, before);
+    ASSERT_TRUE(FolderBookmark::resolve(after).has_value());
+    EXPECT_FALSE(FolderBookmark::resolve(after)->isStale);
+}
+
 TEST_F(HomebrewInstalledPackagesStoreTest, AFolderChosenWhileTheDeadBookmarkIsRestoredStands)
 {
     // The restore, the scan and the save run on different executors, so their results may
@@ -209,9 +237,10 @@ TEST_F(HomebrewInstalledPackagesStoreTest, AFolderChosenWhileTheDeadBookmarkIsRe
         EXPECT_EQ(store->rootURL(), m_root);
         EXPECT_FALSE(store->errorMessage().has_value());
         store.reset(); // drains every executor, so a late removal of the key would show now
-        const auto restored = HomebrewInstallationBookmarkService(*m_defaults, kKey).restoreRootURL();
-        ASSERT_TRUE(std::holds_alternative<std::optional<QString>>(restored));
-        EXPECT_EQ(std::get<std::optional<QString>>(restored), m_root);
+        ASSERT_TRUE(m_defaults->contains(kKey));
+        const auto restored = HomebrewInstallationBookmarkService().restoreRootURL(m_defaults->dataValue(kKey));
+        ASSERT_TRUE(std::holds_alternative<HomebrewInstallationBookmarkService::Restored>(restored));
+        EXPECT_EQ(std::get<HomebrewInstallationBookmarkService::Restored>(restored).path, m_root);
     }
 }
 
@@ -323,7 +352,7 @@ TEST_F(HomebrewInstalledPackagesStoreTest, ANewerChangeDropsTheResultOfARunningP
     auto control = std::make_shared<GatedProcessor::Control>();
     control->gate.release(1); // the processing after the first scan
     auto store = std::make_unique<HomebrewInstalledPackagesStore>(
-        std::make_unique<HomebrewInstallationBookmarkService>(*m_defaults, kKey),
+        *m_defaults, kKey, std::make_unique<HomebrewInstallationBookmarkService>(),
         std::make_unique<HomebrewInstallationScanner>(), std::make_unique<GatedProcessor>(control), m_pickers,
         m_workspace, UserPaths::forHome(m_tree.path(u"home"_s)));
     // Whatever happens below, no call may stay blocked when the store drains its executors.

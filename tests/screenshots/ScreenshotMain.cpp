@@ -43,6 +43,7 @@ int main(int argc, char** argv)
         {"shell", quillbay::screenshots::renderShellScreenshots},
         {"xcode releases", quillbay::screenshots::renderXcodeReleasesScreenshots},
         {"homebrew-cache", quillbay::screenshots::renderHomebrewCacheScreenshots},
+        {"homebrew-installed", quillbay::screenshots::renderHomebrewInstalledScreenshots},
         {"engagement", quillbay::screenshots::renderEngagementScreenshots},
         {"xcode-cleanup", quillbay::screenshots::renderXcodeCleanupScreenshots},
         {"assets-maker", quillbay::screenshots::renderAssetsMakerScreenshots},

@@ -12,6 +12,7 @@ void save(QWidget* widget, const QString& outDir, const QString& name);
 void renderShellScreenshots(const QString& outDir);
 void renderXcodeReleasesScreenshots(const QString& outDir);
 void renderHomebrewCacheScreenshots(const QString& outDir);
+void renderHomebrewInstalledScreenshots(const QString& outDir);
 void renderEngagementScreenshots(const QString& outDir);
 void renderXcodeCleanupScreenshots(const QString& outDir);
 void renderAssetsMakerScreenshots(const QString& outDir);

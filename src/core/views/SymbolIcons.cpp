@@ -79,6 +79,10 @@ const QHash<QString, QStringList>& symbolTable()
         {QStringLiteral("app"),
          {QStringLiteral("preferences-desktop-icons"), QStringLiteral("application-x-executable")}},
         {QStringLiteral("photo"), {QStringLiteral("image-x-generic"), QStringLiteral("view-preview")}},
+        {QStringLiteral("function"), {QStringLiteral("code-function"), QStringLiteral("formula")}},
+        {QStringLiteral("questionmark.circle"), {QStringLiteral("help-contextual"), QStringLiteral("help-about")}},
+        {QStringLiteral("arrow.trianglehead.2.clockwise.rotate.90.circle"),
+         {QStringLiteral("view-refresh"), QStringLiteral("update-medium")}},
         {QStringLiteral("minus.circle"), {QStringLiteral("list-remove"), QStringLiteral("edit-delete")}},
     };
     return table;

@@ -6,6 +6,7 @@
 #include "core/views/ComingSoonPanel.h"
 #include "core/views/WidgetPickers.h"
 #include "homebrew_cache/views/HomebrewCacheCleanupView.h"
+#include "homebrew_installed/views/HomebrewInstalledPackagesView.h"
 #include "xcode_cleanup/views/CleanupView.h"
 #include "xcode_releases/views/XcodeReleasesView.h"
 
@@ -22,8 +23,10 @@ QWidget* createToolScreen(Tool tool, QuillbayApp& app, QWidget* parent)
         return new CleanupView(app.viewModel(), parent);
     case Tool::xcodeReleases:
         return new XcodeReleasesView(app.viewModel(), parent);
-    case Tool::homebrewCatalog:
     case Tool::homebrewInstalled:
+        return new HomebrewInstalledPackagesView(app.homebrewInstalledPackagesStore(), app.homebrewCatalogStore(),
+                                                 parent);
+    case Tool::homebrewCatalog:
         break;
     }
     const SidebarItem& item = sidebarItem(tool);

@@ -1,0 +1,292 @@
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+#include <QToolButton>
+
+#include <gtest/gtest.h>
+
+#include "InstalledScreenFixture.h"
+#include "core/views/FolderAuthorizationRequiredView.h"
+#include "homebrew_installed/views/HomebrewInstalledPackageTable.h"
+#include "homebrew_installed/views/HomebrewInstalledPackageTableModel.h"
+#include "homebrew_installed/views/HomebrewInstalledPackagesContent.h"
+#include "homebrew_installed/views/HomebrewInstalledPackagesView.h"
+#include "homebrew_installed/views/HomebrewInstalledSettingsSection.h"
+
+using namespace quillbay;
+using namespace quillbay::test;
+using namespace Qt::StringLiterals;
+using State = HomebrewInstalledContentState;
+
+namespace {
+
+class HomebrewInstalledPackagesViewTest : public ::testing::Test, protected InstalledScreenFixture
+{
+protected:
+    void showView()
+    {
+        view = std::make_unique<HomebrewInstalledPackagesView>(*installed, *catalog);
+        view->resize(900, 600);
+        // Every content state the page passes through, in order, without repeats.
+        QObject::connect(installed.get(), &HomebrewInstalledPackagesStore::stateChanged, view.get(), [this] {
+            if (seen.isEmpty() || seen.last() != state())
+                seen.append(state());
+        });
+        view->show();
+    }
+
+    void authorizeThroughPanel()
+    {
+        pickers.answers.push_back(root());
+        view->findChild<QPushButton*>(u"chooseFolderPushButton"_s)->click();
+        ASSERT_TRUE(waitUntil([&] { return installed->hasScannedThisLaunch() && installedIdle(); }));
+    }
+
+    State state() const { return view->content()->state(); }
+    QString panelTitle() const
+    {
+        return view->content()->currentWidget()->findChild<QLabel*>(u"panelTitleLabel"_s)->text();
+    }
+    HomebrewInstalledPackageTableModel& model() const { return *view->content()->table()->packageModel(); }
+    // Every cell of a row as the table shows it, with the name's subtitle after a "/".
+    QStringList shownRow(int row) const
+    {
+        const QModelIndex name = model().index(row, HomebrewInstalledPackageTableModel::nameColumn);
+        QStringList cells {name.data().toString() + u'/'
+                           + name.data(HomebrewInstalledPackageTableModel::subtitleRole).toString()};
+        for (int column = 1; column < HomebrewInstalledPackageTableModel::columnCount_; ++column)
+            cells.append(model().index(row, column).data().toString());
+        return cells;
+    }
+    QList<QStringList> shownRows() const
+    {
+        QList<QStringList> rows;
+        for (int row = 0; row < model().rowCount(); ++row)
+            rows.append(shownRow(row));
+        return rows;
+    }
+
+    std::unique_ptr<HomebrewInstalledPackagesView> view;
+    QList<State> seen;
+};
+
+} // namespace
+
+TEST_F(HomebrewInstalledPackagesViewTest, AFirstVisitGoesFromAuthorizationThroughScanningToTheJoinedTable)
+{
+    publishCatalog();
+    installUsualPackages();
+    launch();
+    showView();
+    ASSERT_TRUE(waitUntil([&] { return installed->hasLoadedAuthorization(); }));
+    EXPECT_EQ(state(), State::authorizationRequired);
+    auto* authorization = view->findChild<FolderAuthorizationRequiredView*>();
+    ASSERT_NE(authorization, nullptr);
+    EXPECT_TRUE(authorization->isVisible());
+    EXPECT_FALSE(view->findChild<QToolButton*>(u"rescanToolButton"_s)->isEnabled());
+
+    authorizeThroughPanel();
+    // A folder being authorized is no root yet: its scan runs behind the authorization page.
+    EXPECT_FALSE(seen.contains(State::scanning));
+    EXPECT_EQ(seen.last(), State::table);
+    EXPECT_TRUE(view->findChild<QToolButton*>(u"rescanToolButton"_s)->isEnabled());
+
+    // The catalog comes up by itself when the page appears, and the rows join it without
+    // a rescan.
+    ASSERT_TRUE(waitUntil([&] { return catalogIdle() && installedIdle() && !catalog->summariesByRoute().isEmpty(); }));
+    ASSERT_TRUE(waitUntil([&] { return installed->casks().size() == 1 && installed->casks()[0].catalogSummary; }));
+    // The picker starts on "Cask".
+    EXPECT_TRUE(view->findChild<QToolButton*>(u"caskToolButton"_s)->isChecked());
+    EXPECT_EQ(shownRows(),
+              (QList<QStringList> {{u"Mozilla Firefox/firefox"_s, u"128.0"_s, u"129.0"_s, u"Possibly Outdated"_s}}));
+
+    QTest::mouseClick(view->findChild<QToolButton*>(u"formulaToolButton"_s), Qt::LeftButton);
+    EXPECT_EQ(installed->selectedKind(), HomebrewCatalogKind::formula);
+    ASSERT_TRUE(waitUntil([&] { return model().rowCount() == 3 && !model().index(0, 2).data().toString().isEmpty(); }));
+    // Unknown to the catalog: a dash, no subtitle, "Status Unknown"; a revision counts as a
+    // different version.
+    EXPECT_EQ(shownRows(),
+              (QList<QStringList> {
+                  {u"curl/"_s, u"8.5.0"_s, u"8.5.0_1"_s, u"Possibly Outdated"_s},
+                  {u"localtool/"_s, u"0.1"_s, u"—"_s, u"Status Unknown"_s},
+                  {u"wget/"_s, u"1.25.0"_s, u"1.25.0"_s, u"Up to Date"_s},
+              }));
+    EXPECT_FALSE(view->findChild<QWidget*>(u"errorLine"_s)->isVisible());
+}
+
+TEST_F(HomebrewInstalledPackagesViewTest, SearchShowsSearchingThenTheFilteredRowsOrNoneFound)
+{
+    publishCatalog();
+    installUsualPackages();
+    launch();
+    showView();
+    ASSERT_TRUE(waitUntil([&] { return installed->hasLoadedAuthorization(); }));
+    authorizeThroughPanel();
+    ASSERT_TRUE(
+        waitUntil([&] { return catalogIdle() && installedIdle() && installed->casks().value(0).catalogSummary; }));
+    installed->setSelectedKind(HomebrewCatalogKind::formula);
+
+    struct Case
+    {
+        QString typed;
+        HomebrewCatalogKind kind;
+        State settled;
+        QStringList names;
+    };
+    const Case cases[] = {
+        {u"JSON"_s, HomebrewCatalogKind::formula, State::noSearchResults, {}}, // jq is not installed
+        {u"http server"_s, HomebrewCatalogKind::formula, State::table, {u"curl"_s}},
+        {u"0.1"_s, HomebrewCatalogKind::formula, State::table, {u"localtool"_s}},
+        // Switching the kind under a live search shows the other filtered list at once.
+        {u"0.1"_s, HomebrewCatalogKind::cask, State::noSearchResults, {}},
+        {u"mozilla"_s, HomebrewCatalogKind::cask, State::table, {u"Mozilla Firefox"_s}},
+        // No casks match and there are casks: still "not found", not "no casks".
+        {u"nothing like this"_s, HomebrewCatalogKind::cask, State::noSearchResults, {}},
+    };
+    auto* search = view->findChild<QLineEdit*>(u"searchLineEdit"_s);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.typed.toStdString());
+        const bool retyped = search->text() != c.typed;
+        if (retyped) {
+            search->setText(c.typed);
+            // At once, before the typing pause ends.
+            EXPECT_EQ(state(), State::filtering);
+            EXPECT_EQ(view->content()->currentWidget()->objectName(), u"filteringPanel"_s);
+        }
+        QTest::mouseClick(view->findChild<QToolButton*>(c.kind == HomebrewCatalogKind::cask ? u"caskToolButton"_s
+                                                                                            : u"formulaToolButton"_s),
+                          Qt::LeftButton);
+        if (!retyped) {
+            EXPECT_NE(state(), State::filtering);
+        }
+        ASSERT_TRUE(waitUntil([&] { return !installed->isFiltering(); }));
+        EXPECT_EQ(state(), c.settled);
+        QStringList names;
+        for (int row = 0; row < model().rowCount(); ++row)
+            names.append(model().index(row, 0).data().toString());
+        EXPECT_EQ(names, c.names);
+        if (c.settled == State::noSearchResults) {
+            EXPECT_EQ(panelTitle(), u"No Installed Packages Found"_s);
+        }
+    }
+
+    search->clear();
+    EXPECT_EQ(state(), State::table);
+    ASSERT_TRUE(waitUntil([&] { return model().rowCount() == 1; }));
+}
+
+TEST_F(HomebrewInstalledPackagesViewTest, ARootWithoutCasksShowsNoInstalledCasksAndRescanFindsNewVersions)
+{
+    publishCatalog();
+    install(u"Cellar/wget/1.24.5"_s);
+    launch();
+    showView();
+    ASSERT_TRUE(waitUntil([&] { return installed->hasLoadedAuthorization(); }));
+    authorizeThroughPanel();
+    EXPECT_EQ(state(), State::noPackages);
+    EXPECT_EQ(panelTitle(), u"No Installed Casks"_s);
+    EXPECT_TRUE(view->findChild<QPushButton*>(u"emptyRescanPushButton"_s)->isEnabled());
+
+    installed->setSelectedKind(HomebrewCatalogKind::formula);
+    ASSERT_TRUE(waitUntil([&] { return state() == State::table && model().rowCount() == 1; }));
+
+    // A new version folder appears (an upgrade that kept the old one): only a rescan shows it.
+    install(u"Cellar/wget/1.25.0"_s);
+    EXPECT_EQ(model().rowCount(), 1);
+    QTest::mouseClick(view->findChild<QToolButton*>(u"rescanToolButton"_s), Qt::LeftButton);
+    ASSERT_TRUE(waitUntil([&] { return installedIdle() && model().rowCount() == 2; }));
+    ASSERT_TRUE(waitUntil([&] { return catalogIdle() && model().index(0, 2).data().toString() == u"1.25.0"_s; }));
+    // Both versions stand next to each other, the newer first; only it is up to date.
+    EXPECT_EQ(shownRows(),
+              (QList<QStringList> {
+                  {u"wget/"_s, u"1.25.0"_s, u"1.25.0"_s, u"Up to Date"_s},
+                  {u"wget/"_s, u"1.24.5"_s, u"1.25.0"_s, u"Possibly Outdated"_s},
+              }));
+    // The list stayed on show through the rescan.
+    EXPECT_FALSE(seen.contains(State::scanning));
+
+    // The formula picker with no formulae shows its own panel.
+    QDir(root() + u"/Cellar"_s).removeRecursively();
+    install(u"Caskroom/iterm2/3.5.4"_s);
+    installed->rescan();
+    ASSERT_TRUE(waitUntil([&] { return installedIdle() && state() == State::noPackages; }));
+    EXPECT_EQ(panelTitle(), u"No Installed Formulae"_s);
+}
+
+TEST_F(HomebrewInstalledPackagesViewTest, AFailedFirstScanOffersRetryAndAFailedRescanKeepsTheTable)
+{
+    publishCatalog();
+    installUsualPackages();
+    launch();
+    showView();
+    ASSERT_TRUE(waitUntil([&] { return installed->hasLoadedAuthorization(); }));
+    authorizeThroughPanel();
+    view.reset();
+
+    // The next launch: bin/brew is gone, the bookmark still resolves.
+    ASSERT_TRUE(QFile::remove(root() + u"/bin/brew"_s));
+    launch();
+    showView();
+    ASSERT_TRUE(waitUntil([&] { return installed->hasLoadedAuthorization() && installedIdle(); }));
+    // The restored root's first scan shows the scanning page, then the failure.
+    EXPECT_EQ(seen.mid(seen.indexOf(State::scanning)), (QList<State> {State::scanning, State::failed}));
+    EXPECT_EQ(state(), State::failed);
+    EXPECT_EQ(panelTitle(), u"Failed to load data"_s);
+    const auto* description = view->content()->currentWidget()->findChild<QLabel*>(u"panelDescriptionLabel"_s);
+    EXPECT_EQ(description->text(), installed->errorMessage().value_or(QString()));
+    EXPECT_FALSE(description->text().isEmpty());
+    EXPECT_FALSE(view->findChild<QWidget*>(u"errorLine"_s)->isVisible());
+
+    tree().writeFile(u"brew/bin/brew"_s, "#!/bin/sh\n");
+    view->findChild<QPushButton*>(u"retryPushButton"_s)->click();
+    ASSERT_TRUE(waitUntil([&] { return installedIdle() && state() == State::table && model().rowCount() == 1; }));
+
+    // Now a rescan fails: the table stays, with the error line above it.
+    ASSERT_TRUE(QFile::remove(root() + u"/bin/brew"_s));
+    installed->rescan();
+    ASSERT_TRUE(waitUntil([&] { return installedIdle(); }));
+    EXPECT_EQ(state(), State::table);
+    EXPECT_EQ(model().rowCount(), 1);
+    EXPECT_TRUE(view->findChild<QWidget*>(u"errorLine"_s)->isVisible());
+    EXPECT_EQ(view->findChild<QLabel*>(u"errorLineLabel"_s)->text(), installed->errorMessage().value_or(QString()));
+}
+
+TEST_F(HomebrewInstalledPackagesViewTest, RemovingTheAuthorizationForgetsTheRootAndTouchesNoFile)
+{
+    publishCatalog();
+    installUsualPackages();
+    launch();
+    showView();
+    ASSERT_TRUE(waitUntil([&] { return installed->hasLoadedAuthorization(); }));
+    authorizeThroughPanel();
+    view->findChild<QLineEdit*>(u"searchLineEdit"_s)->setText(u"fire"_s);
+    ASSERT_TRUE(waitUntil([&] { return installedIdle() && model().rowCount() == 1; }));
+
+    HomebrewInstalledSettingsSection settings(*installed);
+    EXPECT_EQ(settings.findChild<QLabel*>(u"homebrewRootLabel"_s)->text(), root());
+    auto* remove = settings.findChild<QPushButton*>(u"removeAuthorizationPushButton"_s);
+    ASSERT_TRUE(remove->isEnabled());
+    remove->click();
+
+    EXPECT_EQ(state(), State::authorizationRequired);
+    EXPECT_EQ(model().rowCount(), 0);
+    EXPECT_TRUE(view->findChild<QLineEdit*>(u"searchLineEdit"_s)->text().isEmpty());
+    EXPECT_FALSE(view->findChild<QToolButton*>(u"rescanToolButton"_s)->isEnabled());
+    EXPECT_EQ(settings.findChild<QLabel*>(u"homebrewRootLabel"_s)->text(), u"Not Selected"_s);
+    EXPECT_FALSE(remove->isEnabled());
+    EXPECT_FALSE(defaults->contains(installed->bookmarkKey()));
+    EXPECT_TRUE(QFileInfo::exists(root() + u"/Caskroom/firefox/128.0"_s));
+    EXPECT_TRUE(QFileInfo::exists(root() + u"/bin/brew"_s));
+
+    // Appearing again restores nothing in this launch.
+    view->hide();
+    view->show();
+    ASSERT_TRUE(waitUntil([&] { return installedIdle(); }));
+    EXPECT_EQ(state(), State::authorizationRequired);
+    EXPECT_TRUE(pickers.answers.empty());
+}
