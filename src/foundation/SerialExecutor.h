@@ -41,6 +41,7 @@ public:
     // Blocks until every queued call has finished. For shutdown and tests only:
     // never call it from a continuation that the queued work waits on.
     void drain() { m_pool.waitForDone(); }
+    bool isIdle() const { return m_pool.activeThreadCount() == 0; }
 
     // Direct access for set-up before the first call; not safe while calls run.
     Service& unsafeService() { return *m_service; }

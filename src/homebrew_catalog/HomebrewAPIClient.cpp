@@ -1,9 +1,11 @@
 #include "homebrew_catalog/HomebrewAPIClient.h"
 
+#include <QCoreApplication>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
 #include <QPromise>
+#include <QThreadPool>
 
 #include <QtConcurrent/QtConcurrentRun>
 
@@ -29,10 +31,9 @@ template <typename T> QFuture<T> readyFuture(T value)
     return future;
 }
 
-void finish(const std::shared_ptr<QPromise<HomebrewResult<QByteArray>>>& promise, HomebrewResult<QByteArray> result)
+void finish(const std::shared_ptr<HomebrewAPIClient::PendingFetch>& promise, HomebrewResult<QByteArray> result)
 {
-    promise->addResult(std::move(result));
-    promise->finish();
+    promise->finishWith(std::move(result));
 }
 
 std::optional<QString> headerValue(const QNetworkReply* reply, const char* name)
@@ -70,7 +71,45 @@ HomebrewAPIClient::HomebrewAPIClient(Configuration configuration,
 
 HomebrewAPIClient::~HomebrewAPIClient()
 {
-    m_cache.drain();
+    settle();
+}
+
+HomebrewAPIClient::PendingFetch::PendingFetch(std::shared_ptr<std::atomic<int>> counter)
+    : inFlight(std::move(counter))
+{
+    inFlight->fetch_add(1);
+    start();
+}
+
+HomebrewAPIClient::PendingFetch::~PendingFetch()
+{
+    if (counted)
+        inFlight->fetch_sub(1);
+}
+
+void HomebrewAPIClient::PendingFetch::finishWith(HomebrewResult<QByteArray> result)
+{
+    addResult(std::move(result));
+    finish();
+    counted = false;
+    inFlight->fetch_sub(1);
+}
+
+void HomebrewAPIClient::settle()
+{
+    // Each round lets work on the cache thread and the validation workers end and then
+    // delivers the continuations they posted here; a request finishes within a few rounds.
+    for (int round = 0; round < 1000; ++round) {
+        const QList<QNetworkReply*> replies = m_network->findChildren<QNetworkReply*>();
+        for (QNetworkReply* reply : replies)
+            if (reply->isRunning())
+                reply->abort();
+        m_cache.drain();
+        QThreadPool::globalInstance()->waitForDone();
+        QCoreApplication::sendPostedEvents(this);
+        if (!hasRequestsInFlight())
+            return;
+    }
 }
 
 std::optional<QUrl> HomebrewAPIClient::requestURL(const HomebrewEndpoint& endpoint) const
@@ -127,8 +166,7 @@ QFuture<HomebrewResult<QByteArray>> HomebrewAPIClient::fetch(const HomebrewEndpo
     // Signed before any conditional header exists: validators are not part of the signature.
     sign(request);
 
-    auto promise = std::make_shared<QPromise<HomebrewResult<QByteArray>>>();
-    promise->start();
+    auto promise = std::make_shared<PendingFetch>(m_inFlight);
     QFuture<HomebrewResult<QByteArray>> future = promise->future();
 
     if (!conditional) {

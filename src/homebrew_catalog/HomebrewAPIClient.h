@@ -5,6 +5,7 @@
 #include <QFuture>
 #include <QObject>
 #include <QUrl>
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -73,8 +74,26 @@ public:
     // Lower-case hex HMAC-SHA-256 of "GET\n" + path + "\n" + timestamp.
     static QByteArray signature(const QByteArray& key, const QByteArray& encodedPath, qint64 timestamp);
 
+    // Aborts every request under way and waits, running the continuations they leave on
+    // this thread, until each fetch's future has finished. A continuation that fires
+    // after its context object is gone is fatal, so whoever continues from this client's
+    // futures settles it before going away. For shutdown only: it blocks.
+    void settle();
+    bool hasRequestsInFlight() const { return m_inFlight->load() > 0; }
+
+    // A fetch's promise, counted while unfinished so that settle() knows when it is done.
+    struct PendingFetch : QPromise<HomebrewResult<QByteArray>>
+    {
+        explicit PendingFetch(std::shared_ptr<std::atomic<int>> counter);
+        ~PendingFetch();
+        void finishWith(HomebrewResult<QByteArray> result);
+
+        std::shared_ptr<std::atomic<int>> inFlight;
+        bool counted = true;
+    };
+
 private:
-    using Promise = std::shared_ptr<QPromise<HomebrewResult<QByteArray>>>;
+    using Promise = std::shared_ptr<PendingFetch>;
 
     void send(const HomebrewEndpoint& endpoint,
               QNetworkRequest request,
@@ -92,6 +111,7 @@ private:
     Configuration m_configuration;
     QNetworkAccessManager* m_network;
     SerialExecutor<HomebrewCacheService> m_cache;
+    std::shared_ptr<std::atomic<int>> m_inFlight = std::make_shared<std::atomic<int>>(0);
 };
 
 } // namespace quillbay

@@ -1,6 +1,8 @@
 #include "homebrew_catalog/HomebrewCatalogStore.h"
 
+#include <QCoreApplication>
 #include <QPromise>
+#include <QThreadPool>
 
 #include <QtConcurrent/QtConcurrentRun>
 
@@ -65,7 +67,18 @@ HomebrewCatalogStore::~HomebrewCatalogStore()
 {
     m_lifetime.request_stop();
     m_filterStop.request_stop();
-    m_apiClient->cache().drain();
+    // Work under way ends, cancelled, while this store is still whole: its continuations
+    // run now rather than later against a store that is gone. Each round may start a
+    // little more work (a cancelled refresh still records its state), so repeat until
+    // nothing is left.
+    for (int round = 0; round < 100; ++round) {
+        m_apiClient->settle();
+        QThreadPool::globalInstance()->waitForDone();
+        QCoreApplication::sendPostedEvents(this);
+        if (!m_apiClient->hasRequestsInFlight() && m_apiClient->cache().isIdle()
+            && QThreadPool::globalInstance()->activeThreadCount() == 0)
+            break;
+    }
 }
 
 // MARK: - Plain queries

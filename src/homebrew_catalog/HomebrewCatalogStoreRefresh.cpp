@@ -259,13 +259,16 @@ void HomebrewCatalogStore::fetchSnapshots(const HomebrewCatalogManifest& manifes
     {
         std::stop_source formula;
         std::stop_source cask;
-        std::optional<std::stop_callback<std::function<void()>>> lifetime;
     };
     auto pair = std::make_shared<Pair>();
-    pair->lifetime.emplace(m_lifetime.get_token(), std::function<void()>([raw = pair.get()] {
-                               raw->formula.request_stop();
-                               raw->cask.request_stop();
-                           }));
+    // Stopping a fetch can finish it on the spot, and with it the last continuation that
+    // holds this callback; the callback keeps its own reference so that it outlives that.
+    auto onQuit = std::make_shared<std::stop_callback<std::function<void()>>>(
+        m_lifetime.get_token(), std::function<void()>([pair] {
+            const std::shared_ptr<Pair> keep = pair;
+            keep->formula.request_stop();
+            keep->cask.request_stop();
+        }));
 
     const auto fetchOne = [this, &manifest, pair](HomebrewCatalogKind kind) {
         const HomebrewCatalogManifest::Artifact artifact = manifest.artifact(kind);
@@ -288,16 +291,17 @@ void HomebrewCatalogStore::fetchSnapshots(const HomebrewCatalogManifest& manifes
     QList<QFuture<HomebrewResult<QByteArray>>> futures {fetchOne(HomebrewCatalogKind::formula),
                                                         fetchOne(HomebrewCatalogKind::cask)};
     QtFuture::whenAll(futures.begin(), futures.end())
-        .then(this, [this, manifest, manifestBytes, done, pair](const QList<QFuture<HomebrewResult<QByteArray>>>& all) {
-            const auto results = resultsOf(all);
-            QList<HomebrewError> errors;
-            for (const auto& result : results)
-                if (!result)
-                    errors.append(result.error());
-            if (!errors.isEmpty())
-                return finishRefresh(firstFailure(errors), done);
-            acceptCatalog(manifest, manifestBytes, results[0].value(), results[1].value(), done);
-        });
+        .then(this,
+              [this, manifest, manifestBytes, done, onQuit](const QList<QFuture<HomebrewResult<QByteArray>>>& all) {
+                  const auto results = resultsOf(all);
+                  QList<HomebrewError> errors;
+                  for (const auto& result : results)
+                      if (!result)
+                          errors.append(result.error());
+                  if (!errors.isEmpty())
+                      return finishRefresh(firstFailure(errors), done);
+                  acceptCatalog(manifest, manifestBytes, results[0].value(), results[1].value(), done);
+              });
 }
 
 void HomebrewCatalogStore::acceptCatalog(const HomebrewCatalogManifest& manifest,

@@ -1,6 +1,8 @@
+#include <QCoreApplication>
 #include <QFile>
 #include <QSignalSpy>
 #include <QTcpServer>
+#include <QThread>
 
 #include <gtest/gtest.h>
 
@@ -319,4 +321,25 @@ TEST(HomebrewCatalogStoreTest, FirstRunOfflineRetriesOnTheNextAppearance)
     s.store->loadIfNeeded();
     EXPECT_TRUE(s.store->isRefreshing() || s.store->hasLoadTask());
     ASSERT_TRUE(waitUntil([&] { return s.idle(); }));
+}
+
+TEST(HomebrewCatalogStoreTest, DestroyingTheStoreAtAnyPointOfALoadIsSafe)
+{
+    Fixture service;
+    service.publish(QStringLiteral("A"), formulaeA, casksA, installsA);
+    QDateTime clock = QDateTime::fromSecsSinceEpoch(1750000000, Qt::UTC);
+    // Quitting can come at any moment of a load: during the manifest, the two snapshot
+    // fetches, their validation or the cache writes. Each round stops one event later.
+    for (int turns = 0; turns < 60; ++turns) {
+        SCOPED_TRACE(turns);
+        TempTree tree;
+        auto s = std::make_unique<StoreUnderTest>(service.baseURL(), tree.root(), &clock);
+        s->store->loadIfNeeded();
+        for (int i = 0; i < turns && !s->idle(); ++i) {
+            QCoreApplication::processEvents(QEventLoop::AllEvents);
+            QThread::usleep(200);
+        }
+        s.reset();
+        QCoreApplication::processEvents(); // anything still queued must find nothing to touch
+    }
 }
