@@ -56,6 +56,10 @@ TEST(HomebrewCacheScannerTest, ParsesCacheNamesIntoPackageAndVersion)
         {"git--html--2.5.2.tar.xz", false, "git", "2.5.2"},
         {"git--git", false, "git", "git"},
         {"fmt--12.1.0", false, "fmt", "12.1.0"},
+        // Separators are taken from the left: an odd dash stays with the next part.
+        {"tri---1.0.tar.gz", false, "tri", "-1.0"},
+        {"quad----2.0.tar.gz", false, "quad", "2.0"},
+        {"edge--mid---3.0.zip", true, "edge", "-3.0"},
         // Not packages.
         {"portable-ruby-4.0.5_1.arm64_big_sur.bottle.tar.gz", false, nullptr, nullptr},
         {".DS_Store", false, nullptr, nullptr},
