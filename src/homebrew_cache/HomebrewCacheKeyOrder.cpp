@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <numeric>
+#include <string>
 #include <utility>
 
 #include "foundation/LocalizedText.h"
@@ -57,57 +58,40 @@ int rankOf(const RankTable& ranks, char16_t c)
     return kUnrankedBase + c;
 }
 
-// Natural order by the ranks: runs of digits compare by value, everything else by rank.
-// Equal under that, by code units, so the order is total and repeatable.
-int rankedCompare(const RankTable& ranks, const QString& left, const QString& right)
+// A text as a string of tokens whose plain order is natural order by the ranks: a
+// character is its rank; a run of digits is one marker (the rank of "0", digits being
+// ranked side by side), its length without leading zeros, and its digits, so runs
+// compare by value. After a separator below every token come the code units, which
+// settle texts that are equal by rank. Every token is shifted by one to keep the
+// separator lowest.
+std::u32string rankedForm(const RankTable& ranks, const QString& text)
 {
-    const char16_t* a = reinterpret_cast<const char16_t*>(left.constData());
-    const char16_t* b = reinterpret_cast<const char16_t*>(right.constData());
-    const qsizetype aSize = left.size();
-    const qsizetype bSize = right.size();
-    // Keys share long prefixes ("formula:"); equal code units have equal ranks, so the
-    // walk starts where they first differ, backed up to the start of a run of digits
-    // that the difference falls into (a run compares as a whole).
-    qsizetype start = 0;
-    const qsizetype common = std::min(aSize, bSize);
-    while (start < common && a[start] == b[start])
-        ++start;
-    if ((start < aSize && isDigit(a[start])) || (start < bSize && isDigit(b[start]))) {
-        while (start > 0 && isDigit(a[start - 1]))
-            --start;
-    }
-    qsizetype i = start;
-    qsizetype j = start;
-    while (i < aSize && j < bSize) {
-        if (isDigit(a[i]) && isDigit(b[j])) {
-            while (i < aSize && a[i] == u'0')
-                ++i;
-            while (j < bSize && b[j] == u'0')
-                ++j;
-            qsizetype aEnd = i;
-            qsizetype bEnd = j;
-            while (aEnd < aSize && isDigit(a[aEnd]))
-                ++aEnd;
-            while (bEnd < bSize && isDigit(b[bEnd]))
-                ++bEnd;
-            if (aEnd - i != bEnd - j)
-                return aEnd - i < bEnd - j ? -1 : 1;
-            for (; i < aEnd; ++i, ++j) {
-                if (a[i] != b[j])
-                    return a[i] < b[j] ? -1 : 1;
-            }
+    const char16_t* units = reinterpret_cast<const char16_t*>(text.constData());
+    const qsizetype size = text.size();
+    const char32_t digitMarker = char32_t(ranks[u'0' - kFirstRanked]) + 1;
+    constexpr char32_t kLengthBase = 0x40000;
+    std::u32string form;
+    form.reserve(size_t(size) * 2 + 1);
+    for (qsizetype i = 0; i < size;) {
+        if (!isDigit(units[i])) {
+            form.push_back(char32_t(rankOf(ranks, units[i])) + 1);
+            ++i;
             continue;
         }
-        const int aRank = rankOf(ranks, a[i]);
-        const int bRank = rankOf(ranks, b[j]);
-        if (aRank != bRank)
-            return aRank < bRank ? -1 : 1;
-        ++i;
-        ++j;
+        while (i < size && units[i] == u'0')
+            ++i;
+        qsizetype end = i;
+        while (end < size && isDigit(units[end]))
+            ++end;
+        form.push_back(digitMarker);
+        form.push_back(kLengthBase + char32_t(end - i));
+        for (; i < end; ++i)
+            form.push_back(char32_t(units[i]) + 1);
     }
-    if (i < aSize || j < bSize)
-        return i < aSize ? 1 : -1;
-    return QStringView(left).compare(QStringView(right));
+    form.push_back(0);
+    for (qsizetype i = 0; i < size; ++i)
+        form.push_back(char32_t(units[i]) + 1);
+    return form;
 }
 
 } // namespace
@@ -115,8 +99,13 @@ int rankedCompare(const RankTable& ranks, const QString& left, const QString& ri
 void sortInStandardOrder(std::vector<const QString*>& texts)
 {
     const RankTable& ranks = asciiRanks();
-    std::sort(texts.begin(), texts.end(),
-              [&ranks](const QString* a, const QString* b) { return rankedCompare(ranks, *a, *b) < 0; });
+    std::vector<std::pair<std::u32string, const QString*>> ranked;
+    ranked.reserve(texts.size());
+    for (const QString* text : texts)
+        ranked.emplace_back(rankedForm(ranks, *text), text);
+    std::sort(ranked.begin(), ranked.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    for (size_t i = 0; i < ranked.size(); ++i)
+        texts[i] = ranked[i].second;
     QCollator& collator = standardCollator();
     bool agrees = true;
     for (size_t i = 1; i < texts.size() && agrees; ++i)

@@ -187,16 +187,29 @@ FS::Measurement ScanRun::measure(const QStringList& paths, FS::VisitedSet& visit
     FS::Measurement total;
     for (const QString& path : paths) {
         std::optional<FS::Measurement> one;
-        const QString clean = FS::cleanPath(path);
-        const QStringView parent = QStringView(clean).left(std::max<qsizetype>(0, clean.lastIndexOf(QLatin1Char('/'))));
-        const HomebrewCacheFolderSnapshot* listing = nullptr;
-        if (parent == m_root)
-            listing = &m_rootListing;
-        else if (parent == m_downloads && m_downloadsListing)
-            listing = &*m_downloadsListing;
-        else if (parent == m_cask && m_caskListing)
-            listing = &*m_caskListing;
-        const Item* item = listing ? listing->find(clean) : nullptr;
+        // Listing paths are clean, so a path found as it stands in the listing of the
+        // folder it starts with is that item; anything else is cleaned and looked up by
+        // its parent folder.
+        const auto startsIn = [&path](const QString& folder) {
+            return path.size() > folder.size() + 1 && path.at(folder.size()) == u'/' && path.startsWith(folder);
+        };
+        const HomebrewCacheFolderSnapshot* listing = startsIn(m_downloads) && m_downloadsListing ? &*m_downloadsListing
+            : startsIn(m_cask) && m_caskListing                                                  ? &*m_caskListing
+                                                                                                 : &m_rootListing;
+        const Item* item = listing->find(path);
+        if (!item) {
+            const QString clean = FS::cleanPath(path);
+            const QStringView parent
+                = QStringView(clean).left(std::max<qsizetype>(0, clean.lastIndexOf(QLatin1Char('/'))));
+            listing = nullptr;
+            if (parent == m_root)
+                listing = &m_rootListing;
+            else if (parent == m_downloads && m_downloadsListing)
+                listing = &*m_downloadsListing;
+            else if (parent == m_cask && m_caskListing)
+                listing = &*m_caskListing;
+            item = listing ? listing->find(clean) : nullptr;
+        }
         if (item && item->hasStatus)
             one = listing->measure(*item, visited);
         else
