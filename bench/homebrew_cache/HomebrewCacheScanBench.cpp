@@ -1,6 +1,7 @@
 // Scans a generated Homebrew cache of 5,000 packages and compares the time with
 // `du -s --block-size=1` on the same folder, in one run, alternating, warm caches.
 // Usage: homebrew_cache_scan_bench [packages] [rounds] [existing cache folder to reuse]
+//        [file to write the last scan's entries to, for comparing two builds]
 #include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
@@ -13,12 +14,14 @@
 #include <vector>
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "homebrew_cache/HomebrewCacheScanner.h"
 
 using namespace quillbay;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -95,6 +98,11 @@ double median(std::vector<double> values)
     return values[values.size() / 2];
 }
 
+double cpuMs(const timeval& from, const timeval& to)
+{
+    return double(to.tv_sec - from.tv_sec) * 1e3 + double(to.tv_usec - from.tv_usec) / 1e3;
+}
+
 qint64 blocksOf(const QString& path)
 {
     struct stat st
@@ -123,15 +131,21 @@ int main(int argc, char** argv)
     const HomebrewCacheScanner scanner(root, QStringLiteral("~/Library/Caches/Homebrew"));
     std::vector<double> scanTimes;
     std::vector<double> duTimes;
+    std::vector<double> scanUser; // CPU time of all the scan's threads
+    std::vector<double> scanSystem;
     qint64 scanTotal = 0;
     qint64 duTotal = 0;
     size_t entryCount = 0;
     // One warm-up of each, then alternate so that both see the same cache state.
     for (int round = -1; round < rounds; ++round) {
         QElapsedTimer timer;
+        rusage before {};
+        ::getrusage(RUSAGE_SELF, &before);
         timer.start();
         const HomebrewCacheScanResult result = scanner.scan(root);
         const double scanMs = double(timer.nsecsElapsed()) / 1e6;
+        rusage after {};
+        ::getrusage(RUSAGE_SELF, &after);
         if (result.failure)
             qFatal("scan failed: %s", qPrintable(result.failure->description));
         scanTotal = 0;
@@ -146,6 +160,8 @@ int main(int argc, char** argv)
         const double duMs = double(timer.nsecsElapsed()) / 1e6;
         duTotal = QString::fromLocal8Bit(du.readAllStandardOutput()).section(QLatin1Char('\t'), 0, 0).toLongLong();
         if (round >= 0) {
+            scanUser.push_back(cpuMs(before.ru_utime, after.ru_utime));
+            scanSystem.push_back(cpuMs(before.ru_stime, after.ru_stime));
             scanTimes.push_back(scanMs);
             duTimes.push_back(duMs);
         }
@@ -153,6 +169,24 @@ int main(int argc, char** argv)
     // du also counts the cache folder and the two containers, which belong to no entry.
     const qint64 containers
         = blocksOf(root) + blocksOf(root + QStringLiteral("/downloads")) + blocksOf(root + QStringLiteral("/Cask"));
+    if (argc > 4) {
+        QFile dump(QString::fromLocal8Bit(argv[4]));
+        if (!dump.open(QIODevice::WriteOnly | QIODevice::Truncate))
+            qFatal("cannot write %s", argv[4]);
+        for (const HomebrewCacheEntry& entry : scanner.scan(root).entries) {
+            const QString line = QStringList {entry.id,
+                                              rawValue(entry.category),
+                                              entry.packageIdentifier.value_or(u"-"_s),
+                                              entry.version.value_or(u"-"_s),
+                                              entry.displayName,
+                                              entry.allocatedSize ? QString::number(*entry.allocatedSize) : u"-"_s,
+                                              entry.isIncomplete ? u"incomplete"_s : u"-"_s,
+                                              entry.hasIssue ? u"issue"_s : u"-"_s,
+                                              entry.paths.join(u'|')}
+                                     .join(u'\t');
+            dump.write(line.toUtf8() + '\n');
+        }
+    }
     const double scanMedian = median(scanTimes);
     const double duMedian = median(duTimes);
     std::printf("packages %d, entries %zu, rounds %d\n", packages, entryCount, rounds);
@@ -160,5 +194,6 @@ int main(int argc, char** argv)
                 qint64(containers), qint64(scanTotal + containers), qint64(duTotal),
                 scanTotal + containers == duTotal ? "equal" : "DIFFERENT");
     std::printf("scan median %.2f ms, du median %.2f ms, ratio %.2fx\n", scanMedian, duMedian, scanMedian / duMedian);
+    std::printf("scan CPU median: user %.2f ms, system %.2f ms\n", median(scanUser), median(scanSystem));
     return scanTotal + containers == duTotal ? 0 : 1;
 }

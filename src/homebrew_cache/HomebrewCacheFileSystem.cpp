@@ -95,12 +95,20 @@ QByteArray lastComponent(const QByteArray& path)
 
 QString HomebrewCacheFileSystem::cleanPath(const QString& path)
 {
-    // Without "//", "/." or a trailing slash an absolute path has nothing to clean; the
-    // searches are vectorized, unlike a walk over the characters.
-    if (path.startsWith(QLatin1Char('/')) && !path.endsWith(QLatin1Char('/')) && !path.contains(QLatin1StringView("//"))
-        && !path.contains(QLatin1StringView("/.")))
-        return path;
-    return standardizedPath(path);
+    // Without "//", "/." or a trailing slash an absolute path has nothing to clean. One
+    // pass over the characters: a search for a Latin-1 needle converts it on every call.
+    const qsizetype size = path.size();
+    if (size < 2 || path.front() != u'/' || path.back() == u'/')
+        return standardizedPath(path);
+    // One pass; slashes are few, so the inner test is rarely taken.
+    const char16_t* text = reinterpret_cast<const char16_t*>(path.constData());
+    for (qsizetype i = 0; i + 1 < size; ++i) {
+        if (text[i] == u'/') [[unlikely]] {
+            if (text[i + 1] == u'/' || text[i + 1] == u'.')
+                return standardizedPath(path);
+        }
+    }
+    return path;
 }
 
 std::optional<struct stat> HomebrewCacheFileSystem::fileStatus(const QString& path)

@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QThread>
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <thread>
@@ -16,6 +17,17 @@
 namespace quillbay {
 
 namespace {
+
+// Names in a cache are ASCII almost always; for those the Latin-1 conversion gives the
+// same text as the file-name decoder at a fraction of its cost.
+QString decodedName(const char* name, qsizetype length)
+{
+    for (qsizetype i = 0; i < length; ++i) {
+        if (static_cast<unsigned char>(name[i]) >= 0x80)
+            return QFile::decodeName(QByteArray::fromRawData(name, length));
+    }
+    return QString::fromLatin1(name, length);
+}
 
 struct Work
 {
@@ -41,7 +53,7 @@ void examineItem(const Work& work)
         }
         buffer.resize(buffer.size() * 2);
     }
-    const QString destination = QFile::decodeName(buffer);
+    const QString destination = decodedName(buffer.constData(), buffer.size());
     // Absolute destinations as they stand; relative ones against the link's folder.
     item.linkDestination = destination.startsWith(QLatin1Char('/'))
         ? destination
@@ -109,10 +121,12 @@ std::optional<HomebrewCacheFolderSnapshot> HomebrewCacheFolderSnapshot::list(con
         const char* name = child->d_name;
         if (name[0] == '.' && (name[1] == '\0' || (name[1] == '.' && name[2] == '\0')))
             continue;
+        const qsizetype length = qsizetype(std::strlen(name));
         Item item;
-        item.nativeName = QByteArray(name);
-        item.name = QFile::decodeName(item.nativeName);
-        item.path = prefix + item.name;
+        item.nativeName = QByteArray(name, length);
+        item.name = decodedName(name, length);
+        item.path.reserve(prefix.size() + item.name.size());
+        item.path.append(prefix).append(item.name);
         snapshot.m_items.push_back(std::move(item));
     }
     ::closedir(stream);
@@ -122,7 +136,8 @@ std::optional<HomebrewCacheFolderSnapshot> HomebrewCacheFolderSnapshot::list(con
     return snapshot;
 }
 
-void HomebrewCacheFolderSnapshot::examine(std::initializer_list<HomebrewCacheFolderSnapshot*> snapshots)
+void HomebrewCacheFolderSnapshot::examine(std::initializer_list<HomebrewCacheFolderSnapshot*> snapshots,
+                                          const std::function<void()>& alongside)
 {
     std::vector<Work> work;
     for (HomebrewCacheFolderSnapshot* snapshot : snapshots) {
@@ -131,21 +146,34 @@ void HomebrewCacheFolderSnapshot::examine(std::initializer_list<HomebrewCacheFol
         for (Item& item : snapshot->m_items)
             work.push_back(Work {snapshot->m_descriptor, &item});
     }
-    // Each item is written by exactly one thread and read only after the join. Small
-    // folders aren't worth a thread.
-    constexpr size_t kItemsPerHelper = 2048;
-    const size_t cores = size_t(std::max(1, QThread::idealThreadCount()));
-    const size_t threads = std::clamp<size_t>(work.size() / kItemsPerHelper, 1, std::min<size_t>(cores, 4));
-    // Interleaved, since links (which cost a second call) bunch up in some folders.
-    std::vector<std::jthread> helpers;
-    for (size_t t = 1; t < threads; ++t) {
-        helpers.emplace_back([&work, t, threads] {
-            for (size_t i = t; i < work.size(); i += threads)
+    // Items are handed out in small batches from one counter, so a thread that starts
+    // late (the caller, after `alongside`) or runs slow (links cost a second call) simply
+    // takes fewer. Each item is written by exactly one thread and read only after the
+    // join. Small folders aren't worth a thread.
+    constexpr size_t kBatch = 64;
+    constexpr size_t kItemsPerHelper = 1024;
+    std::atomic<size_t> next {0};
+    const auto drain = [&work, &next] {
+        for (;;) {
+            const size_t first = next.fetch_add(kBatch, std::memory_order_relaxed);
+            if (first >= work.size())
+                return;
+            const size_t last = std::min(work.size(), first + kBatch);
+            for (size_t i = first; i < last; ++i)
                 examineItem(work[i]);
-        });
-    }
-    for (size_t i = 0; i < work.size(); i += threads)
-        examineItem(work[i]);
+        }
+    };
+    const size_t cores = size_t(std::max(1, QThread::idealThreadCount()));
+    // The caller is busy with `alongside` at first, so on one core a helper still pays.
+    const size_t helpers
+        = std::min<size_t>({std::max<size_t>(cores, alongside ? 2 : 1) - 1, 3, work.size() / kItemsPerHelper});
+    std::vector<std::jthread> threads;
+    threads.reserve(helpers);
+    for (size_t t = 0; t < helpers; ++t)
+        threads.emplace_back(drain);
+    if (alongside)
+        alongside();
+    drain();
 }
 
 const HomebrewCacheFolderSnapshot::Item* HomebrewCacheFolderSnapshot::find(const QString& path) const

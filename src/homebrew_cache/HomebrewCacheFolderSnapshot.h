@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QHash>
 #include <QString>
+#include <functional>
 #include <initializer_list>
 #include <optional>
 #include <vector>
@@ -43,8 +44,11 @@ public:
     // folder can't be opened or read; errorText then has the system's reason.
     static std::optional<HomebrewCacheFolderSnapshot> list(const QString& folder, QString* errorText = nullptr);
 
-    // Fills in status and link destinations of all items of the given snapshots.
-    static void examine(std::initializer_list<HomebrewCacheFolderSnapshot*> snapshots);
+    // Fills in status and link destinations of all items of the given snapshots, spread
+    // over the cores. `alongside` runs on the calling thread meanwhile, which then helps;
+    // it may read names and paths of the items but not what is being filled in.
+    static void examine(std::initializer_list<HomebrewCacheFolderSnapshot*> snapshots,
+                        const std::function<void()>& alongside = {});
 
     const QString& folder() const { return m_folder; }
     const std::vector<Item>& items() const { return m_items; }

@@ -1,17 +1,15 @@
 #include "homebrew_cache/HomebrewCacheScanner.h"
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QHash>
 #include <QSet>
 #include <algorithm>
+#include <array>
 
-#include <unistd.h>
-
-#include "foundation/LocalizedText.h"
 #include "foundation/PathContainment.h"
 #include "homebrew_cache/HomebrewCacheFileSystem.h"
 #include "homebrew_cache/HomebrewCacheFolderSnapshot.h"
+#include "homebrew_cache/HomebrewCacheKeyOrder.h"
 
 namespace quillbay {
 
@@ -19,14 +17,26 @@ namespace {
 
 using FS = HomebrewCacheFileSystem;
 
-// One readable cache link (or plain item with a package name) that was understood.
+// One readable cache name that was understood: a link (or plain item) at the top level
+// or in Cask/. The link is checked once the item's status is known.
 struct ReferenceDraft
 {
+    const HomebrewCacheFolderSnapshot::Item* item;
+    size_t mergedIndex; // its package and version in the merged table
+    std::optional<QString> targetPath; // verified: an existing item inside downloads/
+    QString cleanTarget;
+    bool hasIssue = false;
+};
+
+// The references of one category, package and version, merged in reference order.
+struct MergedDraft
+{
+    QString key;
     HomebrewCacheCategory category;
     QString packageIdentifier;
     QString version;
     QStringList paths;
-    std::optional<QString> targetPath; // verified: an existing item inside downloads/
+    QStringList cleanPaths; // the same, standardized
     bool hasIssue = false;
 };
 
@@ -45,6 +55,7 @@ struct EntryDraft
 struct LinkCheck
 {
     std::optional<QString> targetPath;
+    QString cleanTarget;
     bool hasIssue = false;
 };
 
@@ -54,16 +65,36 @@ QString localized(const char* text)
 }
 
 // Repeats by standardized path dropped; the first occurrence stays as it was given.
-QStringList withoutRepeats(const QStringList& paths)
+// `cleanPaths`, when given, holds the standardized form of each path.
+QStringList withoutRepeats(const QStringList& paths, const QStringList* cleanPaths = nullptr)
 {
+    if (paths.size() < 2)
+        return paths;
+    const auto standardized
+        = [&paths, cleanPaths](qsizetype i) { return cleanPaths ? cleanPaths->at(i) : FS::cleanPath(paths.at(i)); };
+    // Nearly every entry has one or two paths, where a set costs more than comparing.
+    constexpr qsizetype kFewPaths = 8;
+    if (paths.size() <= kFewPaths) {
+        std::array<QString, kFewPaths> clean;
+        QStringList unique;
+        qsizetype kept = 0;
+        for (qsizetype i = 0; i < paths.size(); ++i) {
+            QString path = standardized(i);
+            if (std::find(clean.begin(), clean.begin() + kept, path) != clean.begin() + kept)
+                continue;
+            clean[size_t(kept++)] = std::move(path);
+            unique.append(paths.at(i));
+        }
+        return kept == paths.size() ? paths : unique;
+    }
     QSet<QString> seen;
     QStringList unique;
     unique.reserve(paths.size());
-    for (const QString& path : paths) {
-        const QString clean = FS::cleanPath(path);
+    for (qsizetype i = 0; i < paths.size(); ++i) {
+        const QString clean = standardized(i);
         if (!seen.contains(clean)) {
             seen.insert(clean);
-            unique.append(path);
+            unique.append(paths.at(i));
         }
     }
     return unique;
@@ -92,10 +123,10 @@ private:
     using Item = HomebrewCacheFolderSnapshot::Item;
 
     LinkCheck checkLink(const Item& item) const;
-    bool isExistingDownload(const QString& destination) const;
+    bool isExistingDownload(const QString& destination, const QString& standardized) const;
     FS::Measurement measure(const QStringList& paths, FS::VisitedSet& visited) const;
-    void collectTopLevel();
-    void collectCask();
+    void addReference(HomebrewCacheCategory category, std::pair<QString, QString> parsed, const Item& item);
+    void collectNames();
     std::vector<EntryDraft> drafts();
 
     QString m_root;
@@ -108,6 +139,9 @@ private:
     bool m_caskIsReal = false;
     bool m_downloadsIsReal = false;
     std::vector<ReferenceDraft> m_references;
+    std::vector<MergedDraft> m_merged;
+    QHash<QString, size_t> m_mergedIndex;
+    std::vector<const QString*> m_orderedKeys;
     QSet<QString> m_claimedTopLevel;
     QStringList m_unrecognizedCask;
     bool m_caskListingFailed = false;
@@ -115,9 +149,8 @@ private:
 
 // The destination is inside the cache once links are resolved, lies lexically in
 // downloads/, and exists.
-bool ScanRun::isExistingDownload(const QString& destination) const
+bool ScanRun::isExistingDownload(const QString& destination, const QString& standardized) const
 {
-    const QString standardized = FS::cleanPath(destination);
     if (!isPathInside(standardized, m_downloads))
         return false;
     // Most links name a plain file right in downloads/: what the listing saw answers all
@@ -138,10 +171,11 @@ LinkCheck ScanRun::checkLink(const Item& item) const
     if (!item.hasStatus || !S_ISLNK(item.status.st_mode))
         return {};
     if (!item.linkDestination)
-        return {std::nullopt, true};
-    if (isExistingDownload(*item.linkDestination))
-        return {item.linkDestination, false};
-    return {std::nullopt, true};
+        return {std::nullopt, {}, true};
+    QString standardized = FS::cleanPath(*item.linkDestination);
+    if (isExistingDownload(*item.linkDestination, standardized))
+        return {item.linkDestination, std::move(standardized), false};
+    return {std::nullopt, {}, true};
 }
 
 FS::Measurement ScanRun::measure(const QStringList& paths, FS::VisitedSet& visited) const
@@ -149,16 +183,29 @@ FS::Measurement ScanRun::measure(const QStringList& paths, FS::VisitedSet& visit
     FS::Measurement total;
     for (const QString& path : paths) {
         std::optional<FS::Measurement> one;
-        const QString clean = FS::cleanPath(path);
-        const QStringView parent = QStringView(clean).left(std::max<qsizetype>(0, clean.lastIndexOf(QLatin1Char('/'))));
-        const HomebrewCacheFolderSnapshot* listing = nullptr;
-        if (parent == m_root)
-            listing = &m_rootListing;
-        else if (parent == m_downloads && m_downloadsListing)
-            listing = &*m_downloadsListing;
-        else if (parent == m_cask && m_caskListing)
-            listing = &*m_caskListing;
-        const Item* item = listing ? listing->find(clean) : nullptr;
+        // Listing paths are clean, so a path found as it stands in the listing of the
+        // folder it starts with is that item; anything else is cleaned and looked up by
+        // its parent folder.
+        const auto startsIn = [&path](const QString& folder) {
+            return path.size() > folder.size() + 1 && path.at(folder.size()) == u'/' && path.startsWith(folder);
+        };
+        const HomebrewCacheFolderSnapshot* listing = startsIn(m_downloads) && m_downloadsListing ? &*m_downloadsListing
+            : startsIn(m_cask) && m_caskListing                                                  ? &*m_caskListing
+                                                                                                 : &m_rootListing;
+        const Item* item = listing->find(path);
+        if (!item) {
+            const QString clean = FS::cleanPath(path);
+            const QStringView parent
+                = QStringView(clean).left(std::max<qsizetype>(0, clean.lastIndexOf(QLatin1Char('/'))));
+            listing = nullptr;
+            if (parent == m_root)
+                listing = &m_rootListing;
+            else if (parent == m_downloads && m_downloadsListing)
+                listing = &*m_downloadsListing;
+            else if (parent == m_cask && m_caskListing)
+                listing = &*m_caskListing;
+            item = listing ? listing->find(clean) : nullptr;
+        }
         if (item && item->hasStatus)
             one = listing->measure(*item, visited);
         else
@@ -175,102 +222,96 @@ FS::Measurement ScanRun::measure(const QStringList& paths, FS::VisitedSet& visit
     return total;
 }
 
-void ScanRun::collectTopLevel()
+void ScanRun::addReference(HomebrewCacheCategory category, std::pair<QString, QString> parsed, const Item& item)
+{
+    // The merge key joins category, package and version; the first reference of a key
+    // gives the merged draft its package and version.
+    QString key = rawValue(category) + u':' + parsed.first + u':' + parsed.second;
+    const auto found = m_mergedIndex.constFind(key);
+    size_t slot = m_merged.size();
+    if (found == m_mergedIndex.cend()) {
+        m_mergedIndex.insert(key, slot);
+        m_merged.push_back(
+            MergedDraft {std::move(key), category, std::move(parsed.first), std::move(parsed.second), {}, {}, false});
+    } else {
+        slot = *found;
+    }
+    m_references.push_back(ReferenceDraft {&item, slot, std::nullopt, {}, false});
+}
+
+// Everything that depends on names alone: which items are references of which package
+// and version, and the order of the packages. Runs while the items are being examined,
+// so it touches no status.
+void ScanRun::collectNames()
 {
     for (const Item& item : m_rootListing.items()) {
         if (item.name == QLatin1StringView("downloads") || item.name == QLatin1StringView("Cask"))
             continue;
         // Only formula links live at the top level: a cask link lying here counts as one.
-        const auto parsed = HomebrewCacheScanner::parseCacheName(item.name, false);
+        auto parsed = HomebrewCacheScanner::parseCacheName(item.name, false);
         if (!parsed)
             continue;
-        const LinkCheck link = checkLink(item);
-        m_references.push_back(ReferenceDraft {HomebrewCacheCategory::formula,
-                                               parsed->first,
-                                               parsed->second,
-                                               {item.path},
-                                               link.targetPath,
-                                               link.hasIssue});
+        addReference(HomebrewCacheCategory::formula, std::move(*parsed), item);
         m_claimedTopLevel.insert(item.path); // listing paths are clean
     }
-}
-
-void ScanRun::collectCask()
-{
-    if (!m_caskIsReal)
-        return;
-    if (!m_caskListing) {
+    if (m_caskIsReal && !m_caskListing) {
         // Nothing inside can be told apart; the folder goes as one unrecognized item.
         m_unrecognizedCask = {m_cask};
         m_caskListingFailed = true;
-        return;
-    }
-    for (const Item& item : m_caskListing->items()) {
-        const auto parsed = HomebrewCacheScanner::parseCacheName(item.name, true);
-        if (!parsed) {
-            m_unrecognizedCask.append(item.path);
-            continue;
+    } else if (m_caskIsReal) {
+        for (const Item& item : m_caskListing->items()) {
+            auto parsed = HomebrewCacheScanner::parseCacheName(item.name, true);
+            if (parsed)
+                addReference(HomebrewCacheCategory::cask, std::move(*parsed), item);
+            else
+                m_unrecognizedCask.append(item.path);
         }
-        const LinkCheck link = checkLink(item);
-        m_references.push_back(ReferenceDraft {
-            HomebrewCacheCategory::cask, parsed->first, parsed->second, {item.path}, link.targetPath, link.hasIssue});
     }
+    m_orderedKeys.reserve(m_merged.size());
+    for (const MergedDraft& merged : m_merged)
+        m_orderedKeys.push_back(&merged.key);
+    sortInStandardOrder(m_orderedKeys);
 }
 
 std::vector<EntryDraft> ScanRun::drafts()
 {
-    collectTopLevel();
-    collectCask();
-
     // A download that exactly one reference points at belongs to it; one that several
     // point at belongs to none of them, so that deleting one version never takes a file
     // another still uses.
     QHash<QString, int> targetCounts;
-    for (const ReferenceDraft& reference : m_references) {
+    for (ReferenceDraft& reference : m_references) {
+        LinkCheck link = checkLink(*reference.item);
+        reference.targetPath = std::move(link.targetPath);
+        reference.cleanTarget = std::move(link.cleanTarget);
+        reference.hasIssue = link.hasIssue;
         if (reference.targetPath)
-            ++targetCounts[FS::cleanPath(*reference.targetPath)];
+            ++targetCounts[reference.cleanTarget];
     }
     QSet<QString> claimedTargets;
     QStringList sharedTargets;
-    QHash<QString, ReferenceDraft> merged;
-    for (ReferenceDraft& reference : m_references) {
+    for (const ReferenceDraft& reference : m_references) {
+        MergedDraft& merged = m_merged[reference.mergedIndex];
+        merged.paths.append(reference.item->path);
+        merged.cleanPaths.append(reference.item->path); // listing paths are clean
         if (reference.targetPath) {
-            const QString target = FS::cleanPath(*reference.targetPath);
-            if (targetCounts.value(target) == 1) {
-                reference.paths.append(*reference.targetPath);
-                claimedTargets.insert(target);
+            if (targetCounts.value(reference.cleanTarget) == 1) {
+                merged.paths.append(*reference.targetPath);
+                merged.cleanPaths.append(reference.cleanTarget);
+                claimedTargets.insert(reference.cleanTarget);
             } else {
                 sharedTargets.append(*reference.targetPath);
             }
         }
-        const QString key = rawValue(reference.category) + QLatin1Char(':') + reference.packageIdentifier
-            + QLatin1Char(':') + reference.version;
-        const auto found = merged.find(key);
-        if (found == merged.end()) {
-            merged.insert(key, std::move(reference));
-        } else {
-            found->paths.append(reference.paths);
-            found->hasIssue = found->hasIssue || reference.hasIssue;
-        }
+        merged.hasIssue = merged.hasIssue || reference.hasIssue;
     }
 
-    // Keys are unique, so no tie needs a stable order. Sort keys make the thousands of
-    // comparisons byte comparisons.
-    QCollator& collator = standardCollator();
-    std::vector<std::pair<QCollatorSortKey, const QString*>> ordered;
-    ordered.reserve(size_t(merged.size()));
-    for (auto it = merged.cbegin(); it != merged.cend(); ++it)
-        ordered.emplace_back(collator.sortKey(it.key()), &it.key());
-    std::sort(ordered.begin(), ordered.end(),
-              [](const auto& a, const auto& b) { return a.first.compare(b.first) < 0; });
-
     std::vector<EntryDraft> drafts;
-    drafts.reserve(ordered.size() + 4);
-    for (const auto& [sortKey, key] : ordered) {
-        const ReferenceDraft& reference = merged.value(*key);
-        drafts.push_back(EntryDraft {QStringLiteral("package:") + *key, reference.category, reference.packageIdentifier,
-                                     reference.version, reference.packageIdentifier, withoutRepeats(reference.paths),
-                                     reference.hasIssue});
+    drafts.reserve(m_orderedKeys.size() + 4);
+    for (const QString* key : m_orderedKeys) {
+        const MergedDraft& merged = m_merged[*m_mergedIndex.constFind(*key)];
+        drafts.push_back(EntryDraft {QStringLiteral("package:") + *key, merged.category, merged.packageIdentifier,
+                                     merged.version, merged.packageIdentifier,
+                                     withoutRepeats(merged.paths, &merged.cleanPaths), merged.hasIssue});
     }
 
     const QStringList shared = withoutRepeats(sharedTargets);
@@ -336,7 +377,8 @@ std::vector<HomebrewCacheEntry> ScanRun::run()
     if (m_downloadsIsReal)
         m_downloadsListing = HomebrewCacheFolderSnapshot::list(m_downloads);
     HomebrewCacheFolderSnapshot::examine({&m_rootListing, m_caskListing ? &*m_caskListing : nullptr,
-                                          m_downloadsListing ? &*m_downloadsListing : nullptr});
+                                          m_downloadsListing ? &*m_downloadsListing : nullptr},
+                                         [this] { collectNames(); });
 
     const std::vector<EntryDraft> all = drafts();
     // One visited set for the whole scan, in draft order: a file reachable from two
@@ -357,47 +399,6 @@ std::vector<HomebrewCacheEntry> ScanRun::run()
 }
 
 } // namespace
-
-HomebrewCacheScanner::HomebrewCacheScanner(QString expectedRootPath, QString displayPath)
-    : m_expectedRootPath(std::move(expectedRootPath))
-    , m_displayPath(std::move(displayPath))
-{
-}
-
-QString HomebrewCacheScanner::description(HomebrewCacheScannerError error) const
-{
-    switch (error) {
-    case HomebrewCacheScannerError::invalidRoot:
-        return QCoreApplication::translate("HomebrewCache", "Choose the default Homebrew cache folder at %1.")
-            .arg(m_displayPath);
-    case HomebrewCacheScannerError::rootIsNotAccessible:
-        break;
-    }
-    return QCoreApplication::translate("HomebrewCache",
-                                       "The selected Homebrew cache folder must be readable and writable.");
-}
-
-std::optional<HomebrewCacheScanFailure> HomebrewCacheScanner::validateRoot(const QString& rootPath) const
-{
-    const auto fail = [this](HomebrewCacheScannerError error) {
-        return std::optional {HomebrewCacheScanFailure {error, description(error)}};
-    };
-    // Exactly the expected folder: not a parent, not a child, not a look-alike elsewhere.
-    if (FS::cleanPath(rootPath) != FS::cleanPath(m_expectedRootPath))
-        return fail(HomebrewCacheScannerError::invalidRoot);
-    const QByteArray native = QFile::encodeName(rootPath);
-    struct stat followed
-    {
-    };
-    if (::stat(native.constData(), &followed) != 0 || !S_ISDIR(followed.st_mode))
-        return fail(HomebrewCacheScannerError::rootIsNotAccessible);
-    // A cache folder that is a link could lead anywhere.
-    if (FS::isSymbolicLink(rootPath))
-        return fail(HomebrewCacheScannerError::rootIsNotAccessible);
-    if (::access(native.constData(), R_OK) != 0 || ::access(native.constData(), W_OK) != 0)
-        return fail(HomebrewCacheScannerError::rootIsNotAccessible);
-    return std::nullopt;
-}
 
 HomebrewCacheScanResult HomebrewCacheScanner::scan(const QString& rootPath) const
 {

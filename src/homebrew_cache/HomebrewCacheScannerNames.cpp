@@ -34,25 +34,42 @@ constexpr std::array<QLatin1StringView, 20> kVersionSuffixes {
 
 // Bottle tags: what follows the version in a bottle name ("1.24.5.arm64_sonoma",
 // "2.0.all"). The first marker found wins; later ones are not looked at.
-constexpr std::array<QLatin1StringView, 3> kBottleTagMarkers {
-    QLatin1StringView(".arm64_"),
-    QLatin1StringView(".x86_64_"),
-    QLatin1StringView(".all"),
+// UTF-16 needles: a backwards search for a Latin-1 one converts it on every call.
+constexpr std::array<QStringView, 3> kBottleTagMarkers {
+    QStringView(u".arm64_"),
+    QStringView(u".x86_64_"),
+    QStringView(u".all"),
 };
 
 } // namespace
 
 std::optional<std::pair<QString, QString>> HomebrewCacheScanner::parseCacheName(const QString& name, bool isCask)
 {
-    const QStringList parts = name.split(QLatin1StringView("--"));
-    if (parts.size() < 2)
+    // Split at every "--" from the left, as a list split would, without making the parts:
+    // only the first and the last are needed. Whatever stands between them (a resource
+    // name, say) is not part of the key. "a---b" thus ends in "-b".
+    const QStringView text(name);
+    // Dashes are rare in names, so look for one (a vectorized search) and then its pair.
+    const auto separatorFrom = [&text](qsizetype from) -> qsizetype {
+        for (qsizetype dash = text.indexOf(u'-', from); dash >= 0 && dash + 1 < text.size();
+             dash = text.indexOf(u'-', dash + 1)) {
+            if (text[dash + 1] == u'-')
+                return dash;
+        }
+        return -1;
+    };
+    constexpr qsizetype separatorSize = 2;
+    const qsizetype first = separatorFrom(0);
+    if (first < 0)
         return std::nullopt;
-    // Whatever stands between the first and the last part (a resource name, say) is not
-    // part of the key.
-    QString package = parts.first();
-    QString version = parts.last();
-    if (package.isEmpty() || version.isEmpty())
+    qsizetype lastStart = first + separatorSize;
+    for (qsizetype next = separatorFrom(lastStart); next >= 0; next = separatorFrom(lastStart))
+        lastStart = next + separatorSize;
+    const QStringView packageText = text.left(first);
+    QStringView version = text.mid(lastStart);
+    if (packageText.isEmpty() || version.isEmpty())
         return std::nullopt;
+    QString package = packageText.toString();
     if (!isCask) {
         // The manifest of a bottle is stored as "<name>_bottle_manifest--<version>..." and
         // belongs to the same formula.
@@ -66,7 +83,7 @@ std::optional<std::pair<QString, QString>> HomebrewCacheScanner::parseCacheName(
             break;
         }
     }
-    for (const QLatin1StringView marker : kBottleTagMarkers) {
+    for (const QStringView marker : kBottleTagMarkers) {
         const qsizetype at = version.lastIndexOf(marker);
         if (at >= 0) {
             version.truncate(at);
@@ -75,7 +92,7 @@ std::optional<std::pair<QString, QString>> HomebrewCacheScanner::parseCacheName(
     }
     if (version.isEmpty())
         return std::nullopt;
-    return std::pair {package, version};
+    return std::pair {package, version.toString()};
 }
 
 } // namespace quillbay

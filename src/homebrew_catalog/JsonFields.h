@@ -20,9 +20,12 @@ HomebrewResult<simdjson::dom::element> parse(const QByteArray& bytes);
 // times cheaper than the UTF-8 decoder on short strings.
 inline QString toQString(std::string_view text)
 {
+    // No early exit: the compiler turns the test into a few vector operations.
+    unsigned char high = 0;
     for (const char c : text)
-        if (static_cast<unsigned char>(c) >= 0x80)
-            return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+        high |= static_cast<unsigned char>(c);
+    if (high >= 0x80)
+        return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
     return QString::fromLatin1(text.data(), static_cast<qsizetype>(text.size()));
 }
 

@@ -4,12 +4,14 @@
 #include <gtest/gtest.h>
 
 #include "CacheFixture.h"
+#include "foundation/LocalizedText.h"
 #include "homebrew_cache/HomebrewCacheFileSystem.h"
 #include "homebrew_cache/HomebrewCacheScanner.h"
 #include "testsupport/TestEnvironment.h"
 
 using namespace quillbay;
 using namespace quillbay::test;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -56,6 +58,10 @@ TEST(HomebrewCacheScannerTest, ParsesCacheNamesIntoPackageAndVersion)
         {"git--html--2.5.2.tar.xz", false, "git", "2.5.2"},
         {"git--git", false, "git", "git"},
         {"fmt--12.1.0", false, "fmt", "12.1.0"},
+        // Separators are taken from the left: an odd dash stays with the next part.
+        {"tri---1.0.tar.gz", false, "tri", "-1.0"},
+        {"quad----2.0.tar.gz", false, "quad", "2.0"},
+        {"edge--mid---3.0.zip", true, "edge", "-3.0"},
         // Not packages.
         {"portable-ruby-4.0.5_1.arm64_big_sur.bottle.tar.gz", false, nullptr, nullptr},
         {".DS_Store", false, nullptr, nullptr},
@@ -487,4 +493,70 @@ TEST(HomebrewCacheScannerTest, RealCacheNamesParseAsHomebrewMeansThem)
         EXPECT_TRUE(entry->paths.contains(top == QLatin1String("downloads") ? full : cache.path(top)));
         EXPECT_EQ(entry->category, HomebrewCacheCategory::other);
     }
+}
+
+// Thousands of items are examined on several threads while the names are sorted: the
+// result must be the same as for a small cache, in the same order every time.
+TEST(HomebrewCacheScannerTest, LargeCacheIsClassifiedAndMeasuredWholeAndInOrder)
+{
+    CacheFixture cache;
+    constexpr int kFormulae = 1500;
+    constexpr int kCasks = 800;
+    for (int i = 0; i < kFormulae; ++i) {
+        const QString version = QStringLiteral("1.%1").arg(i % 12); // 1.9 before 1.10
+        const QString name = QStringLiteral("f%1--%2.arm64_sonoma.bottle.tar.gz").arg(i).arg(version);
+        if (i % 100 == 7) {
+            cache.link(name, QStringLiteral("downloads/missing-") + name); // dangling
+            continue;
+        }
+        cache.file(QStringLiteral("downloads/h%1--").arg(i) + name, 4096 * (1 + i % 3));
+        cache.link(name, QStringLiteral("downloads/h%1--").arg(i) + name);
+    }
+    // Two versions of one cask share a download: it belongs to neither.
+    for (int i = 0; i < kCasks; ++i) {
+        const QString target = QStringLiteral("downloads/c%1--App.dmg").arg(i / 2);
+        if (i % 2 == 0)
+            cache.file(target, 8192);
+        cache.link(QStringLiteral("Cask/c%1--%2.dmg").arg(i / 2).arg(i % 2 == 0 ? u"2.9"_s : u"2.10"_s),
+                   QStringLiteral("../") + target);
+    }
+
+    const auto entries = cache.scan();
+    ASSERT_EQ(entries.size(), size_t(kFormulae + kCasks / 2 * 2 + 1)); // + shared downloads
+    qsizetype formulaEntries = 0;
+    qsizetype issues = 0;
+    for (size_t i = 0; i < entries.size(); ++i) {
+        const HomebrewCacheEntry& entry = entries[i];
+        SCOPED_TRACE(qPrintable(entry.id));
+        if (entry.category == HomebrewCacheCategory::formula) {
+            ++formulaEntries;
+            const bool dangling = entry.paths.size() == 1;
+            EXPECT_EQ(entry.hasIssue, dangling);
+            issues += entry.hasIssue ? 1 : 0;
+        } else if (entry.category == HomebrewCacheCategory::cask) {
+            EXPECT_EQ(entry.paths.size(), 1); // the link only: the download is shared
+            // The same cask's 2.9 comes right before its 2.10.
+            if (entry.version == u"2.9"_s) {
+                ASSERT_LT(i + 1, entries.size());
+                EXPECT_EQ(entries[i + 1].id, entry.id.chopped(1) + u"10"_s);
+            }
+        }
+        if (i > 0 && entries[i - 1].category != HomebrewCacheCategory::other
+            && entry.category != HomebrewCacheCategory::other) {
+            EXPECT_LT(localizedStandardCompare(entries[i - 1].id, entry.id), 0);
+        }
+    }
+    EXPECT_EQ(formulaEntries, kFormulae);
+    EXPECT_EQ(issues, kFormulae / 100);
+    const HomebrewCacheEntry* shared = findEntry(entries, QStringLiteral("other:shared-downloads"));
+    ASSERT_TRUE(shared);
+    EXPECT_EQ(shared->paths.size(), kCasks / 2);
+
+    qint64 total = 0;
+    for (const HomebrewCacheEntry& entry : entries)
+        total += entry.allocatedSize.value_or(0);
+    const QString root = cache.root();
+    const qint64 containers = blocks(root + QStringLiteral("/downloads")) + blocks(root + QStringLiteral("/Cask"));
+    EXPECT_EQ(total, allocatedBytesBelow(root) - containers);
+    EXPECT_EQ(cache.scan(), entries);
 }

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QString>
+#include <vector>
+
+namespace quillbay {
+
+// Puts texts in the order of localizedStandardCompare (ascending; texts the collator
+// holds equal end up in code-unit order). Most cache keys are ASCII, and sorting
+// thousands of them through collation keys costs more than the rest of a scan's
+// user-space work, so they are first sorted by a cheap per-character rank taken from the
+// collator itself, and the result is then checked pair by pair with the collator. Only
+// when a pair disagrees (a locale with contractions, text the rank does not cover) are
+// they sorted again by collation keys, so the order never depends on the shortcut.
+void sortInStandardOrder(std::vector<const QString*>& texts);
+
+} // namespace quillbay
