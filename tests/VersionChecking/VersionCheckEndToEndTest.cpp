@@ -103,7 +103,7 @@ TEST(VersionCheckEndToEndTest, RefusalsReachTheManagerAsStatusErrors)
     const Case cases[] = {
         {"other secret",
          0,
-         u"not-the-shared-secret"_s,
+         u"not-the-shared-secret-but-of-the-same-length-0123456789abcdef012"_s,
          {},
          u"Version check failed with status 401: invalid signature"_s},
         {"clocks ten minutes apart", 600, kSecret, {}, u"Version check failed with status 401: stale timestamp"_s},
