@@ -3,6 +3,8 @@
 #include <QObject>
 #include <QPointer>
 
+#include "core/views/SettingsView.h"
+
 class QAction;
 class QSystemTrayIcon;
 
@@ -10,7 +12,6 @@ namespace quillbay {
 
 class ContentView;
 class QuillbayApp;
-class SettingsView;
 
 // The application around the window: the menu commands, the tray icon where there is
 // no global menu bar, and the one window that closing hides and "Open Window" brings back
