@@ -1,5 +1,7 @@
 #include <QColor>
+#include <QFileInfo>
 #include <QGuiApplication>
+#include <QIcon>
 #include <span>
 #include <utility>
 
@@ -72,6 +74,33 @@ QPalette paletteOf(std::span<const RoleColor> colors, QRgb disabledText)
     return palette;
 }
 
+bool iconThemeExists(const QString& name)
+{
+    for (const QString& folder : QIcon::themeSearchPaths()) {
+        if (QFileInfo::exists(folder + QLatin1Char('/') + name + QStringLiteral("/index.theme")))
+            return true;
+    }
+    return false;
+}
+
+// Icon themes come in light and dark pairs ("breeze", "breeze-dark"); symbols drawn for
+// one background vanish on the other, so the icons follow the palette. Following the
+// system restores whatever theme the desktop had chosen.
+void matchIconTheme(ApplicationAppearance appearance)
+{
+    static const QString systemTheme = QIcon::themeName();
+    const QString suffix = QStringLiteral("-dark");
+    const QString lightTheme = systemTheme.endsWith(suffix) ? systemTheme.chopped(suffix.size()) : systemTheme;
+    QString wanted = systemTheme;
+    if (appearance == ApplicationAppearance::light)
+        wanted = lightTheme;
+    else if (appearance == ApplicationAppearance::dark)
+        wanted = lightTheme + suffix;
+    if (wanted.isEmpty() || wanted == QIcon::themeName() || !iconThemeExists(wanted))
+        return;
+    QIcon::setThemeName(wanted);
+}
+
 } // namespace
 
 QPalette applicationAppearancePalette(ApplicationAppearance appearance)
@@ -93,6 +122,7 @@ void setApplicationAppearance(ApplicationAppearance appearance)
     // desktop's own colours, which is what following the system means here. The style of
     // a plain desktop (Fusion) draws everything from the palette, so a full palette is a
     // complete light or dark look.
+    matchIconTheme(appearance);
     QGuiApplication::setPalette(applicationAppearancePalette(appearance));
 }
 

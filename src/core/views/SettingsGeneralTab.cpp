@@ -28,6 +28,7 @@ SettingsGeneralTab::SettingsGeneralTab(const SettingsStores& stores, QWidget* pa
     auto* layout = new QVBoxLayout(this);
 
     auto* appearanceForm = new QFormLayout;
+    appearanceForm->setFieldGrowthPolicy(QFormLayout::FieldsStayAtSizeHint);
     m_appearance->setObjectName(QStringLiteral("appearanceComboBox"));
     // The position in the list is the stored index.
     m_appearance->addItems({QStringLiteral("System"), QStringLiteral("Light"), QStringLiteral("Dark")});

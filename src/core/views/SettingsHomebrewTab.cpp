@@ -1,5 +1,6 @@
 #include "core/views/SettingsHomebrewTab.h"
 
+#include <QEvent>
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -23,23 +24,6 @@ QString dateText(const std::optional<QDateTime>& date)
     return date ? QLocale().toString(date->toLocalTime(), QLocale::ShortFormat) : QStringLiteral("Never");
 }
 
-// A hidden row of a warning symbol and a wrapped text, shown while there is an error.
-QWidget* errorRow(QWidget* parent, QLabel*& text, const QString& objectName)
-{
-    auto* row = new QWidget(parent);
-    auto* layout = new QHBoxLayout(row);
-    layout->setContentsMargins(0, 0, 0, 0);
-    auto* icon = new QLabel(row);
-    icon->setPixmap(symbolIcon(QStringLiteral("exclamationmark.triangle")).pixmap(16, 16));
-    text = new QLabel(row);
-    text->setObjectName(objectName);
-    text->setWordWrap(true);
-    layout->addWidget(icon, 0, Qt::AlignTop);
-    layout->addWidget(text, 1);
-    row->setVisible(false);
-    return row;
-}
-
 QLabel* footerLabel(const QString& text, QWidget* parent)
 {
     auto* footer = new QLabel(text, parent);
@@ -50,6 +34,34 @@ QLabel* footerLabel(const QString& text, QWidget* parent)
 }
 
 } // namespace
+
+// A hidden row of a warning symbol and a wrapped text, shown while there is an error.
+QWidget* SettingsHomebrewTab::errorRow(QLabel*& text, const QString& objectName)
+{
+    auto* row = new QWidget(this);
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    auto* icon = new QLabel(row);
+    icon->setPixmap(symbolIcon(QStringLiteral("exclamationmark.triangle")).pixmap(16, 16));
+    m_warningIcons.append(icon);
+    text = new QLabel(row);
+    text->setObjectName(objectName);
+    text->setWordWrap(true);
+    layout->addWidget(icon, 0, Qt::AlignTop);
+    layout->addWidget(text, 1);
+    row->setVisible(false);
+    return row;
+}
+
+void SettingsHomebrewTab::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    // A new appearance may bring another icon theme; a pixmap is drawn once, so draw again.
+    if (event->type() == QEvent::PaletteChange) {
+        for (QLabel* icon : std::as_const(m_warningIcons))
+            icon->setPixmap(symbolIcon(QStringLiteral("exclamationmark.triangle")).pixmap(16, 16));
+    }
+}
 
 SettingsHomebrewTab::SettingsHomebrewTab(const SettingsStores& stores, QWidget* parent)
     : QWidget(parent)
@@ -78,7 +90,7 @@ QWidget* SettingsHomebrewTab::buildCatalogSection()
     form->addRow(QStringLiteral("Last Checked"), m_lastChecked);
     form->addRow(QStringLiteral("Last Successful Update"), m_lastSuccess);
     layout->addLayout(form);
-    m_catalogErrorRow = errorRow(section, m_catalogError, QStringLiteral("catalogErrorLabel"));
+    m_catalogErrorRow = errorRow(m_catalogError, QStringLiteral("catalogErrorLabel"));
     layout->addWidget(m_catalogErrorRow);
     auto* buttons = new QHBoxLayout;
     m_forceRefresh = new QPushButton(symbolIcon(QStringLiteral("arrow.trianglehead.2.clockwise.rotate.90")),
@@ -112,7 +124,7 @@ QWidget* SettingsHomebrewTab::buildInstalledSection()
     m_root->setWordWrap(true);
     form->addRow(QStringLiteral("Homebrew Root"), m_root);
     layout->addLayout(form);
-    m_rootErrorRow = errorRow(section, m_rootError, QStringLiteral("homebrewRootErrorLabel"));
+    m_rootErrorRow = errorRow(m_rootError, QStringLiteral("homebrewRootErrorLabel"));
     layout->addWidget(m_rootErrorRow);
     auto* buttons = new QHBoxLayout;
     m_chooseRoot = new QPushButton(QStringLiteral("Choose"), section);

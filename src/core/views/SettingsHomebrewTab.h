@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QWidget>
 
 class QLabel;
@@ -18,7 +19,11 @@ class SettingsHomebrewTab : public QWidget
 public:
     explicit SettingsHomebrewTab(const SettingsStores& stores, QWidget* parent = nullptr);
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
+    QWidget* errorRow(QLabel*& text, const QString& objectName);
     QWidget* buildCatalogSection();
     QWidget* buildInstalledSection();
     void refreshCatalog();
@@ -35,6 +40,7 @@ private:
     QLabel* m_rootError = nullptr;
     QPushButton* m_chooseRoot = nullptr;
     QPushButton* m_removeRoot = nullptr;
+    QList<QLabel*> m_warningIcons;
 };
 
 } // namespace quillbay

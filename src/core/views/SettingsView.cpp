@@ -71,7 +71,7 @@ SettingsView::SettingsView(const SettingsStores& stores, QWidget* parent)
     m_tabs->addTab(scrolling(new SettingsHomebrewTab(m_stores)), symbolIcon(QStringLiteral("shippingbox")),
                    QStringLiteral("Homebrew"));
     layout->addWidget(m_tabs);
-    resize(560, 620);
+    resize(580, 700);
 
     connect(&m_stores.viewModel, &AppViewModel::settingViewAlertChanged, this, &SettingsView::presentSettingAlert);
 }

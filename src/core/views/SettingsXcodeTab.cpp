@@ -1,5 +1,6 @@
 #include "core/views/SettingsXcodeTab.h"
 
+#include <QEvent>
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -68,6 +69,7 @@ SettingsXcodeTab::SettingsXcodeTab(const SettingsStores& stores, std::function<v
     auto* releasesForm = new QFormLayout(releases);
     const QString site = QStringLiteral(QUILLBAY_RELEASE_FEED_SITE);
     auto* source = new QLabel(QStringLiteral("<a href=\"%1\">%2</a>").arg(site, QUrl(site).host()), releases);
+    m_dataSource = source;
     source->setObjectName(QStringLiteral("dataSourceLabel"));
     source->setTextFormat(Qt::RichText);
     source->setTextInteractionFlags(Qt::TextBrowserInteraction);
@@ -107,6 +109,17 @@ SettingsXcodeTab::SettingsXcodeTab(const SettingsStores& stores, std::function<v
     connect(&model, &AppViewModel::customFoldersChanged, this, &SettingsXcodeTab::refreshLocations);
     refreshDeveloperFolder();
     refreshLocations();
+}
+
+void SettingsXcodeTab::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    // Rich text takes the link colour when it is laid out; lay it out again in the new one.
+    if (event->type() == QEvent::PaletteChange && m_dataSource) {
+        const QString text = m_dataSource->text();
+        m_dataSource->clear();
+        m_dataSource->setText(text);
+    }
 }
 
 QString SettingsXcodeTab::developerFolderText() const

@@ -21,6 +21,9 @@ public:
     // The panels of the folder choices are installed by `preparePanels` right before each.
     SettingsXcodeTab(const SettingsStores& stores, std::function<void()> preparePanels, QWidget* parent = nullptr);
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
     void refreshDeveloperFolder();
     void refreshLocations();
@@ -33,6 +36,7 @@ private:
     QPushButton* m_remove;
     XcodeScanLocationsSettingsSection* m_derivedData;
     XcodeScanLocationsSettingsSection* m_archives;
+    QLabel* m_dataSource = nullptr;
 };
 
 } // namespace quillbay
