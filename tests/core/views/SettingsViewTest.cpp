@@ -14,6 +14,7 @@
 #include "core/views/AppShell.h"
 #include "core/views/ContentView.h"
 #include "engagement/EngagementPromptStore.h"
+#include "foundation/BuildConfig.h"
 #include "foundation/ByteCount.h"
 #include "platform/Appearance.h"
 #include "platform/FolderBookmark.h"
@@ -291,4 +292,31 @@ TEST(SettingsViewTest, TheShellOpensOneSettingsWindowFromTheFooterAndTheMenu)
     footerButton->click();
     EXPECT_EQ(shell.settingsView(), settings);
     EXPECT_EQ(shell.window()->findChildren<SettingsView*>().size(), 1);
+}
+
+TEST(SettingsViewTest, DataSourceOpensTheReleaseFeedSite)
+{
+    SettingsFixture f;
+    RecordingWorkspace workspace;
+    QuillbayApp& app = *f.app;
+    const SettingsStores stores {app.defaults(),
+                                 app.viewModel(),
+                                 app.savedSpaceStore(),
+                                 app.engagementPromptStore(),
+                                 app.homebrewCatalogStore(),
+                                 app.homebrewInstalledPackagesStore(),
+                                 app.homebrewCacheCleanupStore(),
+                                 app.pickers(),
+                                 workspace};
+    SettingsView view(stores);
+    auto* source = view.findChild<QLabel*>(QStringLiteral("dataSourceLabel"));
+    ASSERT_NE(source, nullptr);
+    const QString text = source->text();
+    const qsizetype start = text.indexOf(QStringLiteral("href=\"")) + 6;
+    ASSERT_GT(start, 5);
+    const QString href = text.mid(start, text.indexOf(QLatin1Char('"'), start) - start);
+    // What the label reports when its link is clicked.
+    emit source->linkActivated(href);
+    ASSERT_EQ(workspace.openedUrls.size(), 1);
+    EXPECT_EQ(workspace.openedUrls.first(), QUrl(QStringLiteral(QUILLBAY_RELEASE_FEED_SITE)));
 }
