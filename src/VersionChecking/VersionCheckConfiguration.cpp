@@ -12,6 +12,8 @@ VersionCheckConfiguration::make(const QString& baseURLText, const QByteArray& se
     const QUrl url(baseURLText, QUrl::StrictMode);
     if (baseURLText.isEmpty() || !url.isValid() || url.scheme().isEmpty())
         return std::nullopt;
+    if (secretBytes.size() != signatureSecretByteCount)
+        return std::nullopt;
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     const QString secret = decoder.decode(secretBytes);
     if (decoder.hasError())

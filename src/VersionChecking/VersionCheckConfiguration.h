@@ -12,6 +12,9 @@ namespace quillbay {
 struct VersionCheckConfiguration
 {
     static constexpr auto defaultPath = "/api/app-version/check";
+    // The service signs with a key of exactly this many bytes; any other length cannot
+    // agree with it, so such a build has no configuration rather than one that always fails.
+    static constexpr qsizetype signatureSecretByteCount = 64;
 
     QUrl baseURL;
     QString path = QLatin1String(defaultPath);
@@ -20,8 +23,8 @@ struct VersionCheckConfiguration
     QString channel = QStringLiteral("prod");
     QString signatureSecret;
 
-    // A configuration when the address parses as a URL and the secret bytes are UTF-8
-    // text; otherwise none.
+    // A configuration when the address parses as a URL and the secret is 64 bytes of
+    // UTF-8 text; otherwise none.
     static std::optional<VersionCheckConfiguration>
     make(const QString& baseURLText, const QByteArray& secretBytes, const QString& appID);
 

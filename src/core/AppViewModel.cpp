@@ -2,6 +2,7 @@
 
 #include "core/state/SavedSpaceStore.h"
 #include "foundation/Defaults.h"
+#include "platform/Appearance.h"
 #include "platform/Workspace.h"
 #include "xcode_releases/XcodeReleaseService.h"
 
@@ -96,6 +97,13 @@ void AppViewModel::setAppearanceIndex(qint64 index)
     m_appearanceIndex = index;
     m_defaults.setValue(QLatin1String(appearanceIndexKey), index);
     emit appearanceIndexChanged(index);
+}
+
+void AppViewModel::applyAppearance(qint64 index)
+{
+    setApplicationAppearance(index == 0       ? ApplicationAppearance::system
+                                 : index == 1 ? ApplicationAppearance::light
+                                              : ApplicationAppearance::dark);
 }
 
 } // namespace quillbay

@@ -88,7 +88,11 @@ public:
 
     // --- Appearance ------------------------------------------------------------------
     qint64 appearanceIndex() const { return m_appearanceIndex; }
+    // Stores the index only; applyAppearance shows it.
     void setAppearanceIndex(qint64 index);
+    // 0 follows the system, 1 is light, any other value is dark. Takes effect at once in
+    // every window.
+    static void applyAppearance(qint64 index);
 
     // === Xcode cleanup: folder authorization, scan, selection, clean ====================
     // (AppViewModelAuthorization.cpp, AppViewModelCleanup.cpp)

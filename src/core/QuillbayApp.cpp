@@ -147,6 +147,7 @@ QuillbayApp::~QuillbayApp()
 
 void QuillbayApp::windowDidAppear()
 {
+    AppViewModel::applyAppearance(m_viewModel->appearanceIndex());
     if (m_didCheckVersion)
         return;
     m_didCheckVersion = true;

@@ -6,7 +6,14 @@
 using namespace quillbay;
 using namespace Qt::StringLiterals;
 
-TEST(VersionCheckConfigurationTest, IsMadeOnlyFromAnAddressAndUtf8Secret)
+namespace {
+
+// 64 bytes: the length the update service signs with.
+const QByteArray secret64 = "0123456789abcdef0123456789abcdef0123456789abcdef0123456789abcdef";
+
+} // namespace
+
+TEST(VersionCheckConfigurationTest, IsMadeOnlyFromAnAddressAndA64ByteUtf8Secret)
 {
     struct Case
     {
@@ -16,13 +23,20 @@ TEST(VersionCheckConfigurationTest, IsMadeOnlyFromAnAddressAndUtf8Secret)
         bool valid;
     };
     const Case cases[] = {
-        {"https address", u"https://updates.example.com"_s, "secret", true},
-        {"loopback with path", u"http://127.0.0.1:8765/service/"_s, "s\xc3\xa9"_ba, true},
-        {"empty address", u""_s, "secret", false},
-        {"no scheme", u"updates.example.com"_s, "secret", false},
-        {"unbalanced bracket", u"https://[::1/x"_s, "secret", false},
-        {"secret not UTF-8", u"https://updates.example.com"_s, "\xc3\x28"_ba, false},
-        {"truncated sequence", u"https://updates.example.com"_s, "abc\xe2\x82"_ba, false},
+        {"https address", u"https://updates.example.com"_s, secret64, true},
+        // 62 ASCII bytes and a two-byte letter: 63 characters, 64 bytes.
+        {"loopback with path, multibyte secret", u"http://127.0.0.1:8765/service/"_s, secret64.left(62) + "\xc3\xa9"_ba,
+         true},
+        {"empty address", u""_s, secret64, false},
+        {"no scheme", u"updates.example.com"_s, secret64, false},
+        {"unbalanced bracket", u"https://[::1/x"_s, secret64, false},
+        {"empty secret", u"https://updates.example.com"_s, QByteArray(), false},
+        {"secret one byte short", u"https://updates.example.com"_s, secret64.left(63), false},
+        {"secret one byte long", u"https://updates.example.com"_s, secret64 + "0", false},
+        // 64 characters but 65 bytes: the length is counted in bytes.
+        {"64 characters, 65 bytes", u"https://updates.example.com"_s, secret64.left(63) + "\xc3\xa9"_ba, false},
+        {"secret not UTF-8", u"https://updates.example.com"_s, secret64.left(62) + "\xc3\x28"_ba, false},
+        {"truncated sequence", u"https://updates.example.com"_s, secret64.left(62) + "\xe2\x82"_ba, false},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -31,6 +45,7 @@ TEST(VersionCheckConfigurationTest, IsMadeOnlyFromAnAddressAndUtf8Secret)
         if (configuration) {
             EXPECT_EQ(configuration->baseURL, QUrl(c.url));
             EXPECT_EQ(configuration->signatureSecret, QString::fromUtf8(c.secret));
+            EXPECT_EQ(configuration->signatureSecret.toUtf8().size(), 64);
             EXPECT_EQ(configuration->path, u"/api/app-version/check"_s);
             EXPECT_EQ(configuration->platform, u"macos"_s);
             EXPECT_EQ(configuration->channel, u"prod"_s);
@@ -52,7 +67,7 @@ TEST(VersionCheckConfigurationTest, AnInvalidConfigurationFallsBackToTheDisabled
     EXPECT_EQ(log.criticalMessages(),
               QStringList {u"Version checking is disabled because its configuration is invalid."_s});
 
-    const auto good = VersionCheckConfiguration::make(u"https://u.example"_s, "k", u"1"_s);
+    const auto good = VersionCheckConfiguration::make(u"https://u.example"_s, secret64, u"1"_s);
     ASSERT_TRUE(good.has_value());
     EXPECT_EQ(VersionCheckConfiguration::orDisabled(good), *good);
     EXPECT_EQ(log.criticalMessages().size(), 1) << "a valid configuration logs nothing";

@@ -25,7 +25,7 @@ struct Deployment
     explicit Deployment(qint64 serverClockOffset = 0)
     {
         UpdateEndpointConfig config;
-        config.signatureSecret = u"shared-update-secret-of-sixty-four-bytes-0123456789abcdef012345"_s;
+        config.signatureSecret = u"shared-update-secret-of-sixty-four-bytes-0123456789abcdef0123456"_s;
         config.appID = u"6443543821"_s;
         config.latestVersion = u"3.0.0"_s;
         config.updateURL = u"https://quillbay.example/download"_s;
@@ -49,7 +49,7 @@ struct Deployment
     }
 };
 
-const QString kSecret = u"shared-update-secret-of-sixty-four-bytes-0123456789abcdef012345"_s;
+const QString kSecret = u"shared-update-secret-of-sixty-four-bytes-0123456789abcdef0123456"_s;
 
 bool check(VersionManager& manager)
 {
@@ -103,7 +103,7 @@ TEST(VersionCheckEndToEndTest, RefusalsReachTheManagerAsStatusErrors)
     const Case cases[] = {
         {"other secret",
          0,
-         u"not-the-shared-secret"_s,
+         u"not-the-shared-secret-but-of-the-same-length-0123456789abcdef012"_s,
          {},
          u"Version check failed with status 401: invalid signature"_s},
         {"clocks ten minutes apart", 600, kSecret, {}, u"Version check failed with status 401: stale timestamp"_s},

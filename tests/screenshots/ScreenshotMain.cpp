@@ -47,6 +47,7 @@ int main(int argc, char** argv)
         {"engagement", quillbay::screenshots::renderEngagementScreenshots},
         {"xcode-cleanup", quillbay::screenshots::renderXcodeCleanupScreenshots},
         {"assets-maker", quillbay::screenshots::renderAssetsMakerScreenshots},
+        {"settings", quillbay::screenshots::renderSettingsScreenshots},
     };
     for (const auto& [name, render] : renderers) {
         std::printf("== %s\n", name);

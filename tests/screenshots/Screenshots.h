@@ -16,5 +16,6 @@ void renderHomebrewInstalledScreenshots(const QString& outDir);
 void renderEngagementScreenshots(const QString& outDir);
 void renderXcodeCleanupScreenshots(const QString& outDir);
 void renderAssetsMakerScreenshots(const QString& outDir);
+void renderSettingsScreenshots(const QString& outDir);
 
 } // namespace quillbay::screenshots

@@ -8,6 +8,8 @@
 
 #include "core/QuillbayApp.h"
 #include "core/views/ContentView.h"
+#include "core/views/EngagementSurfaces.h"
+#include "core/views/SettingsView.h"
 #include "engagement/EngagementPromptStore.h"
 #include "foundation/BuildConfig.h"
 #include "platform/Workspace.h"
@@ -20,6 +22,7 @@ AppShell::AppShell(QuillbayApp& app, QObject* parent)
     , m_window(new ContentView(app))
     , m_openWindow(new QAction(QStringLiteral("Open Window"), this))
     , m_quit(new QAction(QStringLiteral("Quit"), this))
+    , m_openSettings(new QAction(QStringLiteral("Settings..."), this))
     , m_leaveTip(new QAction(QStringLiteral("Leave a Tip"), this))
     , m_helpAndSupport(new QAction(QStringLiteral("Help && Support"), this))
 {
@@ -30,9 +33,16 @@ AppShell::AppShell(QuillbayApp& app, QObject* parent)
     m_quit->setObjectName(QStringLiteral("quitAction"));
     m_quit->setShortcut(QKeySequence::Quit);
     m_quit->setMenuRole(QAction::QuitRole);
+    m_openSettings->setObjectName(QStringLiteral("openSettingsAction"));
+    // Ctrl+, here is Command-comma on macOS, where the role also moves it to the
+    // application menu.
+    m_openSettings->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Comma));
+    m_openSettings->setMenuRole(QAction::PreferencesRole);
     m_leaveTip->setObjectName(QStringLiteral("leaveTipAction"));
     m_helpAndSupport->setObjectName(QStringLiteral("helpAndSupportAction"));
     connect(m_openWindow, &QAction::triggered, this, &AppShell::openWindow);
+    connect(m_openSettings, &QAction::triggered, this, &AppShell::openSettings);
+    connect(m_window->engagement(), &EngagementSurfaces::settingsRequested, this, &AppShell::openSettings);
     connect(m_quit, &QAction::triggered, qApp, &QApplication::quit, Qt::QueuedConnection);
     connect(m_leaveTip, &QAction::triggered, this, &AppShell::leaveTipRequested);
     connect(m_helpAndSupport, &QAction::triggered, this, &AppShell::helpAndSupportRequested);
@@ -60,12 +70,23 @@ void AppShell::openWindow()
     m_window->activateWindow();
 }
 
+void AppShell::openSettings()
+{
+    if (!m_settings)
+        m_settings = new SettingsView(m_app, m_window);
+    m_settings->show();
+    m_settings->raise();
+    m_settings->activateWindow();
+}
+
 void AppShell::buildMenus()
 {
     QMenuBar* bar = m_window->menuBar();
     QMenu* file = bar->addMenu(QStringLiteral("&File"));
     file->setObjectName(QStringLiteral("fileMenu"));
     file->addAction(m_openWindow);
+    file->addSeparator();
+    file->addAction(m_openSettings);
     file->addSeparator();
     file->addAction(m_quit);
     QMenu* view = bar->addMenu(QStringLiteral("&View"));
@@ -88,6 +109,7 @@ void AppShell::buildTrayIcon()
     m_tray = new QSystemTrayIcon(QApplication::windowIcon(), this);
     auto* menu = new QMenu(m_window);
     menu->addAction(m_openWindow);
+    menu->addAction(m_openSettings);
     menu->addSeparator();
     menu->addAction(m_quit);
     m_tray->setContextMenu(menu);

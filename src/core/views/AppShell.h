@@ -1,6 +1,9 @@
 #pragma once
 
 #include <QObject>
+#include <QPointer>
+
+#include "core/views/SettingsView.h"
 
 class QAction;
 class QSystemTrayIcon;
@@ -24,8 +27,13 @@ public:
     ContentView* window() const { return m_window; }
     QAction* openWindowAction() const { return m_openWindow; }
     QAction* quitAction() const { return m_quit; }
+    QAction* openSettingsAction() const { return m_openSettings; }
+    // The settings window while it exists; it is built on first use and kept.
+    SettingsView* settingsView() const { return m_settings; }
 
     void openWindow();
+    // Shows the one settings window, raised above the others when it is already open.
+    void openSettings();
 
 signals:
     void helpAndSupportRequested();
@@ -39,6 +47,8 @@ private:
     ContentView* m_window; // owned: deleted with the shell, hidden (not deleted) on close
     QAction* m_openWindow;
     QAction* m_quit;
+    QAction* m_openSettings;
+    QPointer<SettingsView> m_settings;
     QAction* m_leaveTip;
     QAction* m_helpAndSupport;
     QSystemTrayIcon* m_tray = nullptr;

@@ -1,0 +1,183 @@
+#include <QLabel>
+#include <QTabWidget>
+#include <QTcpServer>
+
+#include <gtest/gtest.h>
+
+#include "CatalogServiceFixture.h"
+#include "SettingsFixture.h"
+#include "homebrew_catalog/HomebrewAPIClient.h"
+#include "homebrew_catalog/HomebrewCacheService.h"
+#include "homebrew_catalog/HomebrewCatalogStore.h"
+#include "homebrew_installed/HomebrewInstalledPackagesStore.h"
+
+using namespace quillbay;
+using namespace quillbay::test;
+
+namespace {
+
+const QByteArray catalogKey("quillbay-development-catalog-signing-key-0123456789abcdef0123456");
+
+const QList<CatalogServiceFixture::Formula> formulae {
+    {QStringLiteral("wget"), QStringLiteral("Internet file retriever")},
+    {QStringLiteral("curl"), QStringLiteral("Get a file from an HTTP server")},
+};
+const QList<CatalogServiceFixture::Cask> casks {
+    {QStringLiteral("firefox"), QStringLiteral("Mozilla Firefox"), QStringLiteral("Web browser")},
+};
+
+// The application's stores, but a catalog that talks to the given address.
+struct CatalogSettings
+{
+    explicit CatalogSettings(const QString& baseURL)
+    {
+        HomebrewAPIClient::Configuration configuration;
+        configuration.baseURL = QUrl(baseURL);
+        configuration.signingSecret = catalogKey;
+        configuration.now = [] { return QDateTime::currentDateTimeUtc(); };
+        configuration.currentDate = [] { return QDateTime::currentDateTimeUtc(); };
+        catalog = std::make_unique<HomebrewCatalogStore>(
+            std::make_unique<HomebrewAPIClient>(
+                configuration, std::make_unique<HomebrewCacheService>(f.tree.path(QStringLiteral("catalog-cache")))),
+            HomebrewCatalogProcessor(), f.app->defaults());
+        QuillbayApp& app = *f.app;
+        const SettingsStores stores {app.defaults(),
+                                     app.viewModel(),
+                                     app.savedSpaceStore(),
+                                     app.engagementPromptStore(),
+                                     *catalog,
+                                     app.homebrewInstalledPackagesStore(),
+                                     app.homebrewCacheCleanupStore(),
+                                     app.pickers(),
+                                     app.workspace()};
+        view = std::make_unique<SettingsView>(stores);
+    }
+    ~CatalogSettings() { view.reset(); }
+
+    QString text(const QString& name) const { return view->findChild<QLabel*>(name)->text(); }
+    QPushButton* forceRefresh() const
+    {
+        return view->findChild<QPushButton*>(QStringLiteral("forceRefreshPushButton"));
+    }
+    bool idle() const { return catalog->hasLoaded() && !catalog->hasLoadTask() && !catalog->isRefreshing(); }
+
+    SettingsFixture f;
+    std::unique_ptr<HomebrewCatalogStore> catalog;
+    std::unique_ptr<SettingsView> view;
+};
+
+QString unusedLoopbackAddress()
+{
+    QTcpServer server;
+    server.listen(QHostAddress::LocalHost, 0);
+    return QStringLiteral("http://127.0.0.1:%1").arg(server.serverPort());
+}
+
+int manifestRequests(const CatalogServiceFixture& service)
+{
+    int count = 0;
+    for (const auto& seen : service.requests())
+        count += seen.path == QStringLiteral("/v1/catalog/manifest.json") ? 1 : 0;
+    return count;
+}
+
+} // namespace
+
+TEST(SettingsHomebrewTabTest, ForceRefreshFetchesTheCatalogAgainWithValidators)
+{
+    CatalogServiceFixture service;
+    service.publish(QStringLiteral("A"), formulae, casks);
+    CatalogSettings s(service.baseURL());
+    s.view->tabs()->setCurrentIndex(2);
+    EXPECT_EQ(s.text(QStringLiteral("lastCheckedLabel")), QStringLiteral("Never"));
+    EXPECT_EQ(s.text(QStringLiteral("lastSuccessfulUpdateLabel")), QStringLiteral("Never"));
+
+    // Showing the window brings the catalog up, as its own screen would.
+    s.view->show();
+    ASSERT_TRUE(waitUntil([&] { return s.idle(); }, 15000));
+    EXPECT_EQ(s.catalog->allFormulae().size(), 2);
+    EXPECT_NE(s.text(QStringLiteral("lastSuccessfulUpdateLabel")), QStringLiteral("Never"));
+    const int before = manifestRequests(service);
+    ASSERT_EQ(before, 1);
+
+    service.publish(QStringLiteral("B"), formulae.mid(0, 1), casks);
+    s.forceRefresh()->click();
+    EXPECT_EQ(s.forceRefresh()->text(), QStringLiteral("Refreshing"));
+    EXPECT_FALSE(s.forceRefresh()->isEnabled()) << "one refresh at a time";
+    ASSERT_TRUE(waitUntil([&] { return s.idle() && !s.catalog->isFiltering(); }, 15000));
+    EXPECT_EQ(manifestRequests(service), before + 1);
+    bool sentValidator = false;
+    for (const auto& seen : service.requests())
+        if (seen.path == QStringLiteral("/v1/catalog/manifest.json") && !seen.ifNoneMatch.isEmpty())
+            sentValidator = true;
+    EXPECT_TRUE(sentValidator) << "a forced refresh is still conditional";
+    EXPECT_EQ(s.catalog->allFormulae().size(), 1) << "the new snapshot is on show";
+    EXPECT_EQ(s.forceRefresh()->text(), QStringLiteral("Force Refresh"));
+    EXPECT_TRUE(s.forceRefresh()->isEnabled());
+    EXPECT_FALSE(s.view->findChild<QLabel*>(QStringLiteral("catalogErrorLabel"))->isVisibleTo(s.view.get()));
+}
+
+TEST(SettingsHomebrewTabTest, AFailedRefreshShowsTheErrorAndOnlyTheCheckDate)
+{
+    CatalogSettings s(unusedLoopbackAddress());
+    s.view->show();
+    s.view->tabs()->setCurrentIndex(2);
+    ASSERT_TRUE(waitUntil([&] { return s.idle(); }, 15000));
+    s.forceRefresh()->click();
+    ASSERT_TRUE(waitUntil([&] { return s.idle(); }, 15000));
+    EXPECT_NE(s.text(QStringLiteral("lastCheckedLabel")), QStringLiteral("Never"));
+    EXPECT_EQ(s.text(QStringLiteral("lastSuccessfulUpdateLabel")), QStringLiteral("Never"));
+    auto* error = s.view->findChild<QLabel*>(QStringLiteral("catalogErrorLabel"));
+    EXPECT_TRUE(error->isVisibleTo(s.view.get()));
+    EXPECT_EQ(error->text(), s.catalog->refreshErrorMessage().value_or(QStringLiteral("<none>")));
+    EXPECT_FALSE(error->text().isEmpty());
+}
+
+TEST(SettingsHomebrewTabTest, HomebrewRootChooseRemoveAndAWrongFolder)
+{
+    SettingsFixture f;
+    const QString root = f.tree.mkdir(QStringLiteral("brew"));
+    f.tree.writeFile(QStringLiteral("brew/bin/brew"), "#!/bin/sh\n");
+    f.tree.mkdir(QStringLiteral("brew/Cellar/wget/1.24.5"));
+    f.tree.mkdir(QStringLiteral("brew/Caskroom"));
+    const QString notBrew = f.tree.mkdir(QStringLiteral("plain"));
+    HomebrewInstalledPackagesStore& store = f.app->homebrewInstalledPackagesStore();
+    auto rootText = [&] { return f.find<QLabel>(QStringLiteral("homebrewRootLabel"))->text(); };
+    auto settled = [&] { return !store.isChoosingRoot() && !store.isScanning() && !store.isLoadingAuthorization(); };
+
+    f.view->show();
+    f.view->tabs()->setCurrentIndex(2);
+    ASSERT_TRUE(waitUntil(settled));
+    EXPECT_EQ(rootText(), QStringLiteral("Not Selected"));
+    EXPECT_FALSE(f.find<QPushButton>(QStringLiteral("removeHomebrewRootPushButton"))->isEnabled());
+
+    // A folder without bin/brew: the reason is shown and nothing is remembered.
+    f.pickers->answerWith(notBrew);
+    f.click(QStringLiteral("chooseHomebrewRootPushButton"));
+    ASSERT_TRUE(waitUntil([&] { return f.pickers->answered == 1 && settled(); }));
+    EXPECT_EQ(rootText(), QStringLiteral("Not Selected"));
+    auto* error = f.find<QLabel>(QStringLiteral("homebrewRootErrorLabel"));
+    EXPECT_TRUE(error->isVisibleTo(f.view.get()));
+    EXPECT_EQ(error->text(), QStringLiteral("Choose a Homebrew root folder that contains bin/brew."));
+    EXPECT_FALSE(f.app->defaults().contains(QStringLiteral("homebrewInstallation.rootBookmark")));
+
+    f.pickers->answerWith(root);
+    f.click(QStringLiteral("chooseHomebrewRootPushButton"));
+    ASSERT_TRUE(waitUntil([&] { return store.isAuthorized() && settled(); }));
+    EXPECT_EQ(rootText(), root);
+    EXPECT_FALSE(error->isVisibleTo(f.view.get()));
+    ASSERT_TRUE(waitUntil(
+        [&] { return !f.app->defaults().dataValue(QStringLiteral("homebrewInstallation.rootBookmark")).isEmpty(); }));
+
+    // A new process restores the root when the window appears.
+    f.restart();
+    HomebrewInstalledPackagesStore& restored = f.app->homebrewInstalledPackagesStore();
+    f.view->show();
+    ASSERT_TRUE(waitUntil([&] { return restored.hasLoadedAuthorization() && !restored.isLoadingAuthorization(); }));
+    EXPECT_EQ(f.find<QLabel>(QStringLiteral("homebrewRootLabel"))->text(), root);
+
+    f.click(QStringLiteral("removeHomebrewRootPushButton"));
+    EXPECT_EQ(f.find<QLabel>(QStringLiteral("homebrewRootLabel"))->text(), QStringLiteral("Not Selected"));
+    ASSERT_TRUE(
+        waitUntil([&] { return !f.app->defaults().contains(QStringLiteral("homebrewInstallation.rootBookmark")); }));
+}
