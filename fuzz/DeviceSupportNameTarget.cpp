@@ -18,8 +18,8 @@ bool sortable(const std::vector<XcodeFileProperties>& items)
         for (const XcodeFileProperties& y : items) {
             const AppleBuild a = x.as<DeviceSupportFile>()->build.value_or(AppleBuild());
             const AppleBuild b = y.as<DeviceSupportFile>()->build.value_or(AppleBuild());
-            const bool majorsDecide = (a.major && b.major && *a.major != *b.major)
-                || a.major.has_value() != b.major.has_value();
+            const bool majorsDecide
+                = (a.major && b.major && *a.major != *b.major) || a.major.has_value() != b.major.has_value();
             if (!majorsDecide && a.minor.has_value() != b.minor.has_value())
                 return false;
         }
