@@ -28,6 +28,7 @@ void jsonValue(const std::uint8_t* data, std::size_t size);
 void archivePlist(const std::uint8_t* data, std::size_t size);
 void versionCheckAnswer(const std::uint8_t* data, std::size_t size);
 void assetContents(const std::uint8_t* data, std::size_t size);
+void catalogCacheState(const std::uint8_t* data, std::size_t size);
 
 inline constexpr NamedTarget allTargets[] = {
     {"version_text", versionText},
@@ -42,6 +43,7 @@ inline constexpr NamedTarget allTargets[] = {
     {"archive_plist", archivePlist},
     {"version_check_answer", versionCheckAnswer},
     {"asset_contents", assetContents},
+    {"catalog_cache_state", catalogCacheState},
 };
 
 } // namespace quillbay::fuzz
