@@ -1,2 +1,2 @@
 # The names in FuzzTargets.h allTargets, one libFuzzer binary each.
-set(QUILLBAY_FUZZ_TARGET_NAMES version_text xcode_release_feed)
+set(QUILLBAY_FUZZ_TARGET_NAMES version_text xcode_release_feed apple_build device_support_name homebrew_cache_name catalog_manifest catalog_snapshot package_detail json_value archive_plist version_check_answer asset_contents catalog_cache_state)

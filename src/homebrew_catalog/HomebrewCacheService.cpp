@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSet>
+#include <algorithm>
 #include <cmath>
 
 #include <nlohmann/json.hpp>
@@ -69,7 +70,11 @@ double HomebrewCacheService::referenceSeconds(const QDateTime& date)
 QDateTime HomebrewCacheService::dateFromReferenceSeconds(double seconds)
 {
     const double msecs = std::round((seconds + static_cast<double>(referenceDateOffsetSeconds)) * 1000.0);
-    return QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(msecs), Qt::UTC);
+    // A damaged file may hold any number. Past the range of a millisecond count the date
+    // stays at that end (far future or far past) rather than overflowing the conversion.
+    constexpr double limit = 9.2e18;
+    const double bounded = std::isnan(msecs) ? 0.0 : std::clamp(msecs, -limit, limit);
+    return QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(bounded), Qt::UTC);
 }
 
 HomebrewStatus HomebrewCacheService::ensureRoot() const

@@ -148,7 +148,11 @@ XcodeDeletionResult XcodeDeletion::run(const QList<XcodeDeletionTarget>& targets
             qCCritical(logApp) << "Rejected Xcode cleanup item outside an authorized root.";
             continue;
         }
-        const qint64 size = QFileInfo(target.url).isSymLink() ? 0 : m_measure(target.url);
+        // Measure and remove what the checks judged: the standardized path. The spelling as
+        // given may end in "/" or "/.", which makes the system follow a link the checks
+        // treated as the item itself.
+        const QString path = standardizedPath(target.url);
+        const qint64 size = QFileInfo(path).isSymLink() ? 0 : m_measure(path);
         if (m_betweenChecks)
             m_betweenChecks(target);
         if (!acceptedByAnyRoot(target.url)) {
@@ -157,7 +161,7 @@ XcodeDeletionResult XcodeDeletion::run(const QList<XcodeDeletionTarget>& targets
             qCCritical(logApp) << "Rejected Xcode cleanup item after its parent changed.";
             continue;
         }
-        const FileSystemRemoval::Result removal = FileSystemRemoval::removeItem(target.url);
+        const FileSystemRemoval::Result removal = FileSystemRemoval::removeItem(path);
         switch (removal.outcome) {
         case FileSystemRemoval::Outcome::removed:
             addChecked(result.deletedItemCount, 1);
