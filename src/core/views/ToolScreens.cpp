@@ -6,6 +6,7 @@
 #include "core/views/ComingSoonPanel.h"
 #include "core/views/WidgetPickers.h"
 #include "homebrew_cache/views/HomebrewCacheCleanupView.h"
+#include "homebrew_catalog/views/HomebrewCatalogView.h"
 #include "xcode_cleanup/views/CleanupView.h"
 #include "xcode_releases/views/XcodeReleasesView.h"
 
@@ -23,6 +24,8 @@ QWidget* createToolScreen(Tool tool, QuillbayApp& app, QWidget* parent)
     case Tool::xcodeReleases:
         return new XcodeReleasesView(app.viewModel(), parent);
     case Tool::homebrewCatalog:
+        return new HomebrewCatalogView(app.homebrewCatalogStore(), app.workspace(),
+                                       &app.homebrewInstalledPackagesStore(), parent);
     case Tool::homebrewInstalled:
         break;
     }
