@@ -46,6 +46,7 @@ int main(int argc, char** argv)
         {"engagement", quillbay::screenshots::renderEngagementScreenshots},
         {"xcode-cleanup", quillbay::screenshots::renderXcodeCleanupScreenshots},
         {"assets-maker", quillbay::screenshots::renderAssetsMakerScreenshots},
+        {"homebrew-catalog", quillbay::screenshots::renderHomebrewCatalogScreenshots},
     };
     for (const auto& [name, render] : renderers) {
         std::printf("== %s\n", name);

@@ -15,5 +15,6 @@ void renderHomebrewCacheScreenshots(const QString& outDir);
 void renderEngagementScreenshots(const QString& outDir);
 void renderXcodeCleanupScreenshots(const QString& outDir);
 void renderAssetsMakerScreenshots(const QString& outDir);
+void renderHomebrewCatalogScreenshots(const QString& outDir);
 
 } // namespace quillbay::screenshots

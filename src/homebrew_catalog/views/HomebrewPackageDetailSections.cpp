@@ -129,6 +129,17 @@ void HomebrewPackageDetailView::rebuildForm(const Shown& shown)
     m_scrollArea->setWidget(m_form);
 }
 
+void HomebrewPackageDetailView::addTryAgainRow(QGroupBox* box)
+{
+    auto* retry = new QPushButton(u"Try Again"_s);
+    retry->setObjectName(u"tryAgainPushButton"_s);
+    connect(retry, &QPushButton::clicked, this, &HomebrewPackageDetailView::startLoad);
+    auto* row = new QHBoxLayout;
+    row->addWidget(retry);
+    row->addStretch();
+    formOf(box)->addRow(row);
+}
+
 void HomebrewPackageDetailView::addDetailUnavailableSection(QVBoxLayout* layout, const Shown& shown)
 {
     QGroupBox* box = addSection(layout, u"Catalog Details"_s);
@@ -139,10 +150,7 @@ void HomebrewPackageDetailView::addDetailUnavailableSection(QVBoxLayout* layout,
     formOf(box)->addRow(iconLine(u"exclamationmark.triangle"_s,
                                  shown.error.value_or(u"The package details could not be loaded."_s),
                                  u"detailErrorLine"_s));
-    auto* retry = new QPushButton(u"Try Again"_s);
-    retry->setObjectName(u"tryAgainPushButton"_s);
-    connect(retry, &QPushButton::clicked, this, &HomebrewPackageDetailView::startLoad);
-    formOf(box)->addRow(retry);
+    addTryAgainRow(box);
 }
 
 void HomebrewPackageDetailView::addCatalogSections(QVBoxLayout* layout,
@@ -156,10 +164,7 @@ void HomebrewPackageDetailView::addCatalogSections(QVBoxLayout* layout,
     if (shown.error) {
         QGroupBox* box = addSection(layout, u"Update Failed"_s);
         formOf(box)->addRow(iconLine(u"exclamationmark.triangle"_s, *shown.error, u"updateFailedLine"_s));
-        auto* retry = new QPushButton(u"Try Again"_s);
-        retry->setObjectName(u"tryAgainPushButton"_s);
-        connect(retry, &QPushButton::clicked, this, &HomebrewPackageDetailView::startLoad);
-        formOf(box)->addRow(retry);
+        addTryAgainRow(box);
     }
 
     {

@@ -63,6 +63,7 @@ HomebrewPackageDetailView::HomebrewPackageDetailView(HomebrewCatalogStore& store
     m_backButton->setToolTip(u"Back"_s);
     m_backButton->setAccessibleName(u"Back"_s);
     m_backButton->setArrowType(Qt::LeftArrow);
+    m_backButton->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     m_backButton->setAutoRaise(true);
     m_titleLabel->setObjectName(u"titleLabel"_s);
     QFont titleFont = m_titleLabel->font();
@@ -77,6 +78,7 @@ HomebrewPackageDetailView::HomebrewPackageDetailView(HomebrewCatalogStore& store
     m_terminalButton->setToolButtonStyle(Qt::ToolButtonIconOnly);
     m_terminalButton->setAutoRaise(true);
     bar->addWidget(m_backButton);
+    bar->addSpacing(8);
     bar->addWidget(m_titleLabel, 1);
     bar->addWidget(m_terminalButton);
     layout->addLayout(bar);

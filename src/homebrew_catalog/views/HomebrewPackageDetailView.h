@@ -11,6 +11,7 @@
 #include "homebrew_catalog/HomebrewPackageSummary.h"
 #include "homebrew_installed/HomebrewInstalledPackage.h"
 
+class QGroupBox;
 class QLabel;
 class QMessageBox;
 class QPushButton;
@@ -102,6 +103,7 @@ private:
     void refresh();
     void rebuildForm(const Shown& shown);
     void addCatalogSections(QVBoxLayout* layout, const HomebrewPackageDetail& detail, const Shown& shown);
+    void addTryAgainRow(QGroupBox* box);
     void addDetailUnavailableSection(QVBoxLayout* layout, const Shown& shown);
     void updateCopyButton();
     void showTerminalLaunchError(const QString& message);

@@ -38,6 +38,7 @@ void HomebrewPackageNameDelegate::paint(QPainter* painter,
 {
     QStyleOptionViewItem cell = option;
     initStyleOption(&cell, index);
+    cell.state &= ~QStyle::State_HasFocus;
     const QString displayName = cell.text;
     cell.text.clear();
     const QStyle* style = cell.widget ? cell.widget->style() : QApplication::style();

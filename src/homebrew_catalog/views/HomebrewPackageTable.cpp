@@ -1,6 +1,7 @@
 #include "homebrew_catalog/views/HomebrewPackageTable.h"
 
 #include <QHeaderView>
+#include <QStyledItemDelegate>
 
 #include "homebrew_catalog/views/HomebrewPackageNameDelegate.h"
 #include "homebrew_catalog/views/HomebrewPackageTableModel.h"
@@ -8,6 +9,21 @@
 namespace quillbay {
 
 namespace {
+
+// Rows open on selection and none stays selected, so the frame of the current cell would
+// only read as a stale selection: cells are drawn without it.
+class CellDelegate final : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override
+    {
+        QStyledItemDelegate::initStyleOption(option, index);
+        option->state &= ~QStyle::State_HasFocus;
+    }
+};
 
 constexpr HomebrewColumnWidth nameWidth {150, 210};
 
@@ -26,6 +42,7 @@ HomebrewPackageTable::HomebrewPackageTable(QWidget* parent)
 {
     setObjectName(QStringLiteral("packageTableView"));
     setModel(m_model);
+    setItemDelegate(new CellDelegate(this));
     setItemDelegateForColumn(HomebrewPackageTableModel::nameColumn, new HomebrewPackageNameDelegate(this));
     setAlternatingRowColors(true);
     setSelectionBehavior(QAbstractItemView::SelectRows);
