@@ -91,6 +91,9 @@ QVariant HomebrewPackageTableModel::data(const QModelIndex& index, int role) con
                 parts << badge;
             return parts.join(u", "_s);
         }
+        // The badge's symbol stays known to assistive technology, beside its read-out label.
+        if (role == Qt::AccessibleDescriptionRole)
+            return badgeSymbol(package);
         return {};
     }
     const auto optional = static_cast<HomebrewCatalogColumn>(column - 1);
