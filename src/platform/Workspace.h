@@ -25,6 +25,9 @@ public:
     virtual QStringList runningApplicationIdentifiers() = 0;
     // Opens a terminal window in the folder; false when no terminal could be started.
     virtual bool openTerminal(const QString& folder) = 0;
+    // Starts and brings forward the application that applicationPath found. Gives the
+    // system's description of the failure when it could not be started.
+    virtual std::optional<QString> openApplication(const QString& applicationPath);
 
     // The real desktop of this platform.
     static std::unique_ptr<Workspace> createSystem();

@@ -4,6 +4,8 @@
 #include <QFileInfo>
 #include <QProcess>
 #include <QStandardPaths>
+#include <cerrno>
+#include <cstring>
 
 #include "platform/Workspace.h"
 
@@ -81,6 +83,25 @@ public:
 };
 
 } // namespace
+
+std::optional<QString> Workspace::openApplication(const QString& applicationPath)
+{
+    const QFileInfo info(applicationPath);
+    if (!info.exists())
+        return QString::fromLocal8Bit(std::strerror(ENOENT));
+    // A desktop entry is started the way the desktop starts it; anything else is run.
+    QProcess process;
+    if (applicationPath.endsWith(QLatin1String(".desktop"))) {
+        process.setProgram(QStringLiteral("gio"));
+        process.setArguments({QStringLiteral("launch"), applicationPath});
+    } else {
+        process.setProgram(applicationPath);
+    }
+    qint64 pid = 0;
+    if (!process.startDetached(&pid))
+        return process.errorString();
+    return std::nullopt;
+}
 
 std::unique_ptr<Workspace> Workspace::createSystem()
 {

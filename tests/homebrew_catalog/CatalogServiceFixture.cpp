@@ -66,12 +66,16 @@ void CatalogServiceFixture::publish(const QString& snapshotID,
 {
     const QString input = QStringLiteral("input-") + snapshotID;
     Json formulaDocs = Json::array();
-    for (const Formula& f : formulae)
+    for (const Formula& f : formulae) {
+        Json dependencies = Json::array();
+        for (const QString& dependency : f.dependencies)
+            dependencies.push_back(dependency.toStdString());
         formulaDocs.push_back(Json {{"name", f.name.toStdString()},
                                     {"desc", f.desc.toStdString()},
                                     {"versions", Json {{"stable", f.stable.toStdString()}, {"head", nullptr}}},
                                     {"revision", f.revision},
-                                    {"dependencies", Json::array()}});
+                                    {"dependencies", dependencies}});
+    }
     Json caskDocs = Json::array();
     for (const Cask& c : casks)
         caskDocs.push_back(Json {{"token", c.token.toStdString()},

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QList>
 #include <QString>
+#include <QStringList>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <memory>
@@ -23,6 +24,7 @@ public:
         QString desc;
         QString stable = QStringLiteral("1.0");
         int revision = 0;
+        QStringList dependencies = {};
     };
     struct Cask
     {

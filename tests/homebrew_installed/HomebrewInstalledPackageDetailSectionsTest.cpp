@@ -10,7 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "InstalledScreenFixture.h"
-#include "homebrew_installed/views/HomebrewInstalledPackageDetailSections.h"
+#include "homebrew_catalog/views/HomebrewInstalledPackageDetailSections.h"
 #include "homebrew_installed/views/HomebrewInstalledPackageTable.h"
 #include "homebrew_installed/views/HomebrewInstalledPackagesContent.h"
 #include "homebrew_installed/views/HomebrewInstalledPackagesView.h"
@@ -102,8 +102,8 @@ TEST_F(HomebrewInstalledPackageDetailSectionsTest, SelectingARowOpensItsPageAndT
 TEST_F(HomebrewInstalledPackageDetailSectionsTest, OnlyTheLastCopiedCommandSaysCopiedForItsFullTime)
 {
     ASSERT_NE(openCaskRow(1), nullptr);
-    QPushButton* upgrade = button("copyUpgradePushButton");
-    QPushButton* uninstall = button("copyUninstallPushButton");
+    QPushButton* upgrade = button("copyUpgradeCommandPushButton");
+    QPushButton* uninstall = button("copyUninstallCommandPushButton");
     EXPECT_EQ(upgrade->text(), u"Copy Upgrade Command"_s);
 
     upgrade->click();

@@ -48,6 +48,7 @@ int main(int argc, char** argv)
         {"xcode-cleanup", quillbay::screenshots::renderXcodeCleanupScreenshots},
         {"assets-maker", quillbay::screenshots::renderAssetsMakerScreenshots},
         {"settings", quillbay::screenshots::renderSettingsScreenshots},
+        {"homebrew-catalog", quillbay::screenshots::renderHomebrewCatalogScreenshots},
     };
     for (const auto& [name, render] : renderers) {
         std::printf("== %s\n", name);

@@ -17,5 +17,6 @@ void renderEngagementScreenshots(const QString& outDir);
 void renderXcodeCleanupScreenshots(const QString& outDir);
 void renderAssetsMakerScreenshots(const QString& outDir);
 void renderSettingsScreenshots(const QString& outDir);
+void renderHomebrewCatalogScreenshots(const QString& outDir);
 
 } // namespace quillbay::screenshots

@@ -84,6 +84,14 @@ const QHash<QString, QStringList>& symbolTable()
         {QStringLiteral("arrow.trianglehead.2.clockwise.rotate.90.circle"),
          {QStringLiteral("view-refresh"), QStringLiteral("update-medium")}},
         {QStringLiteral("minus.circle"), {QStringLiteral("list-remove"), QStringLiteral("edit-delete")}},
+        // Homebrew catalog and package page.
+        {QStringLiteral("square.grid.3x1.below.line.grid.1x2"),
+         {QStringLiteral("view-sort-descending"), QStringLiteral("view-sort-ascending")}},
+        {QStringLiteral("nosign"), {QStringLiteral("dialog-cancel"), QStringLiteral("process-stop")}},
+        {QStringLiteral("apple.terminal.fill"), {QStringLiteral("utilities-terminal")}},
+        {QStringLiteral("questionmark.circle"), {QStringLiteral("question"), QStringLiteral("dialog-question")}},
+        {QStringLiteral("arrow.trianglehead.2.clockwise.rotate.90.circle"),
+         {QStringLiteral("update-medium"), QStringLiteral("view-refresh")}},
     };
     return table;
 }

@@ -5,7 +5,7 @@
 #include <QPalette>
 
 #include "core/views/SymbolIcons.h"
-#include "homebrew_installed/views/HomebrewInstalledStatusLabel.h"
+#include "homebrew_installed/HomebrewInstalledStatusLabel.h"
 
 namespace quillbay {
 

@@ -9,10 +9,11 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include "core/views/KeyboardShortcuts.h"
 #include "core/views/SymbolIcons.h"
 #include "homebrew_catalog/HomebrewCatalogStore.h"
+#include "homebrew_catalog/views/HomebrewInstalledPackageDetailSections.h"
 #include "homebrew_installed/HomebrewInstalledPackagesStore.h"
-#include "homebrew_installed/views/HomebrewInstalledPackageDetailSections.h"
 #include "homebrew_installed/views/HomebrewInstalledPackagesContent.h"
 
 namespace quillbay {
@@ -92,6 +93,9 @@ HomebrewInstalledPackagesView::HomebrewInstalledPackagesView(HomebrewInstalledPa
     m_rescan->setAutoRaise(true);
 
     m_search->setObjectName(QStringLiteral("searchLineEdit"));
+    m_search->setAccessibleName(tr("Search installed packages"));
+    addFindKey(this, m_search);
+    m_rescan->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_R));
     m_search->setPlaceholderText(tr("Search installed packages"));
     m_search->setClearButtonEnabled(true);
     m_search->addAction(symbolIcon(QStringLiteral("magnifyingglass")), QLineEdit::LeadingPosition);
