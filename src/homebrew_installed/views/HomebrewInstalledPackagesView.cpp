@@ -218,6 +218,7 @@ HomebrewInstalledPackagesView::defaultPackagePage(const std::optional<HomebrewIn
     auto* holderLayout = new QVBoxLayout(holder);
     holderLayout->setContentsMargins(16, 8, 16, 16);
     holderLayout->addWidget(new HomebrewInstalledPackageDetailSections(m_store, *installedPackage, holder));
+    holderLayout->addStretch();
     scroll->setWidget(holder);
     return scroll;
 }
