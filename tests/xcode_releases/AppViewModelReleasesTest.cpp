@@ -4,12 +4,12 @@
 #include <gtest/gtest.h>
 
 #include "FeedServer.h"
-#include "RecordingWorkspace.h"
 #include "ReleasesFixture.h"
 #include "core/AppViewModel.h"
 #include "core/state/SavedSpaceStore.h"
 #include "foundation/BuildConfig.h"
 #include "foundation/Defaults.h"
+#include "testsupport/ScriptedPanels.h"
 #include "testsupport/TempTree.h"
 #include "testsupport/TestEnvironment.h"
 #include "xcode_releases/XcodeReleaseDecoder.h"
@@ -164,8 +164,9 @@ TEST(AppViewModelReleasesTest, InstalledXcodeVersionComesFromTheBundle)
         auto workspace = std::make_unique<RecordingWorkspace>(bundle);
         RecordingWorkspace* recorder = workspace.get();
         s.model->replaceWorkspace(std::move(workspace));
-        ASSERT_TRUE(waitUntil([&] { return !recorder->asked.isEmpty() && s.model->releases().size() == 2; }));
-        EXPECT_EQ(recorder->asked, QStringList {QStringLiteral("com.apple.dt.Xcode")});
+        ASSERT_TRUE(
+            waitUntil([&] { return !recorder->askedIdentifiers.isEmpty() && s.model->releases().size() == 2; }));
+        EXPECT_EQ(recorder->askedIdentifiers, QStringList {QStringLiteral("com.apple.dt.Xcode")});
         EXPECT_EQ(s.model->xcodeVersion(), c.expected);
     }
 }
