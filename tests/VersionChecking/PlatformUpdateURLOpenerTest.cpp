@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "LogCapture.h"
 #include "VersionChecking/PlatformUpdateURLOpener.h"
+#include "testsupport/LogCapture.h"
 
 using namespace quillbay;
 using namespace Qt::StringLiterals;

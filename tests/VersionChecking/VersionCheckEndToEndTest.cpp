@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include "LogCapture.h"
 #include "VersionChecking/VersionManager.h"
+#include "testsupport/LogCapture.h"
 #include "update/UpdateEndpoint.h"
 
 using namespace quillbay;

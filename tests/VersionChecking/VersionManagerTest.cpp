@@ -4,9 +4,9 @@
 
 #include <gtest/gtest.h>
 
-#include "LogCapture.h"
 #include "ScriptedUpdateServer.h"
 #include "VersionChecking/VersionManager.h"
+#include "testsupport/LogCapture.h"
 #include "testsupport/TestEnvironment.h"
 
 using namespace quillbay;

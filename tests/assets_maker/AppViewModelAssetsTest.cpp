@@ -11,7 +11,7 @@
 #include "core/AppViewModel.h"
 #include "core/state/SavedSpaceStore.h"
 #include "foundation/Defaults.h"
-#include "platform/Workspace.h"
+#include "testsupport/ScriptedPanels.h"
 #include "testsupport/TempTree.h"
 #include "testsupport/TestEnvironment.h"
 
@@ -21,30 +21,13 @@ using S = AssetScale;
 
 namespace {
 
-// The desktop double: records what the store asked to reveal.
-class RecordingWorkspace final : public Workspace
-{
-public:
-    bool openUrl(const QUrl&) override { return true; }
-    bool revealFiles(const QStringList& paths) override
-    {
-        revealed << paths;
-        return true;
-    }
-    std::optional<QString> applicationPath(const QString&) override { return std::nullopt; }
-    QStringList runningApplicationIdentifiers() override { return {}; }
-    bool openTerminal(const QString&) override { return true; }
-
-    QStringList revealed;
-};
-
 struct Store
 {
     test::TempTree tree;
     SettingsDefaults defaults {tree.path(QStringLiteral("defaults.ini"))};
     SavedSpaceStore saved {defaults, QStringLiteral("TotalBytesDeleted")};
     AppViewModel model {defaults, saved};
-    RecordingWorkspace workspace;
+    test::RecordingWorkspace workspace;
     QSignalSpy successes {&model, &AppViewModel::successfulActionCompleted};
 
     Store() { model.setAssetsWorkspace(&workspace); }
@@ -177,7 +160,7 @@ TEST(AppViewModelAssetsTest, AGoodRunRevealsTheFolderCountsOnceAndIgnoresASecond
     s.model.generateImageSet(s.tree.path(QStringLiteral("Third")));
     ASSERT_TRUE(s.waitForRun());
     EXPECT_EQ(s.successes.size(), 1);
-    EXPECT_EQ(s.workspace.revealed, QStringList {out});
+    EXPECT_EQ(s.workspace.revealed, (QList<QStringList> {{out}}));
     EXPECT_FALSE(s.model.toastMessage());
     EXPECT_TRUE(QFileInfo::exists(out + QStringLiteral("/macOS/AppIcon.appiconset/Contents.json")));
     EXPECT_TRUE(QFileInfo::exists(out + QStringLiteral("/iOS/AppIcon.appiconset/ios-1024.png")));
@@ -240,7 +223,7 @@ TEST(AppViewModelAssetsTest, AnImageSetRunUsesTheInputsAsTheyWereAtItsStart)
               (QStringList {QStringLiteral("one@2x.png"), QStringLiteral("one@3x.png"), QStringLiteral("two@2x.png"),
                             QStringLiteral("two@3x.png")}));
     EXPECT_EQ(s.successes.size(), 1);
-    EXPECT_EQ(s.workspace.revealed, QStringList {out});
+    EXPECT_EQ(s.workspace.revealed, (QList<QStringList> {{out}}));
 }
 
 TEST(AssetFolderToolsTest, TimestampNameIsLocalTimeWithUnderscores)

@@ -24,7 +24,7 @@
 #include "core/AppViewModel.h"
 #include "core/state/SavedSpaceStore.h"
 #include "foundation/Defaults.h"
-#include "platform/Pickers.h"
+#include "testsupport/ScriptedPanels.h"
 #include "testsupport/TempTree.h"
 #include "testsupport/TestEnvironment.h"
 #include "testsupport/WidgetAudit.h"
@@ -33,28 +33,13 @@ using namespace quillbay;
 
 namespace {
 
-// The user at the save panel: records the request and answers with a scripted folder.
-class ScriptedPickers final : public Pickers
-{
-public:
-    void chooseFolder(const FolderRequest&, Answer answer) override { answer(std::nullopt); }
-    void chooseSaveLocation(const SaveRequest& request, Answer answer) override
-    {
-        requests.append(request);
-        answer(reply);
-    }
-
-    QList<SaveRequest> requests;
-    std::optional<QString> reply;
-};
-
 struct Screen
 {
     test::TempTree tree;
     SettingsDefaults defaults {tree.path(QStringLiteral("defaults.ini"))};
     SavedSpaceStore saved {defaults, QStringLiteral("TotalBytesDeleted")};
     AppViewModel model {defaults, saved};
-    ScriptedPickers* pickers = new ScriptedPickers;
+    test::ScriptedPickers* pickers = new test::ScriptedPickers;
     AssetsMakerView view {model, std::unique_ptr<Pickers>(pickers)};
 
     Screen()
@@ -143,22 +128,34 @@ TEST(AssetsMakerViewTest, GenerateAsksForAFolderAndRunsTheOpenTab)
     EXPECT_EQ(test::controlsWithoutAccessibleName(&s.view), "");
     // Ctrl+Return presses "Generate"; the user cancels the save panel.
     ASSERT_TRUE(test::pressKey(generate, QKeySequence(Qt::CTRL | Qt::Key_Return)));
-    ASSERT_EQ(s.pickers->requests.size(), 1);
-    const Pickers::SaveRequest& request = s.pickers->requests[0];
+    ASSERT_EQ(s.pickers->saveRequests.size(), 1);
+    const Pickers::SaveRequest& request = s.pickers->saveRequests[0];
     EXPECT_TRUE(
         QRegularExpression(QStringLiteral("^\\d{8}_\\d{2}_\\d{2}_\\d{2}$")).match(request.suggestedName).hasMatch())
         << request.suggestedName.toStdString();
     EXPECT_EQ(request.title, QStringLiteral("Save your Asset Folder"));
     EXPECT_EQ(request.message, QStringLiteral("Choose a folder and a name to store your asset."));
     EXPECT_EQ(request.nameFieldLabel, QStringLiteral("Folder Name:"));
+    ASSERT_TRUE(test::waitUntil([&] { return s.pickers->saveAnswered == 1; }));
     EXPECT_FALSE(s.model.generatingAssets());
 
     const QString out = s.tree.path(QStringLiteral("Chosen"));
-    s.pickers->reply = out;
+    s.pickers->saveAnswers.push_back(out);
+    // The panel answers from the event loop and a small run may end within the same pass,
+    // so the screen is read the moment the run starts rather than after the wait.
+    std::optional<bool> enabledDuringRun;
+    std::optional<bool> noticeDuringRun;
+    QObject::connect(&s.model, &AppViewModel::assetInputsChanged, &s.view, [&] {
+        if (s.model.generatingAssets() && !enabledDuringRun) {
+            enabledDuringRun = generate->isEnabled();
+            noticeDuringRun = s.find<QLabel>("appIconDisabledLabel")->isVisible();
+        }
+    });
     generate->click();
-    EXPECT_FALSE(generate->isEnabled()) << "unavailable during the run";
-    EXPECT_TRUE(s.find<QLabel>("appIconDisabledLabel")->isVisible());
-    ASSERT_TRUE(test::waitUntil([&] { return !s.model.generatingAssets(); }));
+    ASSERT_TRUE(test::waitUntil([&] { return s.pickers->saveAnswered == 2 && !s.model.generatingAssets(); }));
+    ASSERT_TRUE(enabledDuringRun.has_value()) << "the chosen folder starts a run";
+    EXPECT_FALSE(*enabledDuringRun) << "unavailable during the run";
+    EXPECT_TRUE(*noticeDuringRun);
     EXPECT_TRUE(generate->isEnabled());
     EXPECT_TRUE(QFileInfo::exists(out + QStringLiteral("/watchOS/AppIcon.appiconset/watchos-1024.png")));
 }

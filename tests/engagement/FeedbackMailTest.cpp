@@ -3,31 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "engagement/FeedbackMail.h"
-#include "platform/Workspace.h"
+#include "testsupport/ScriptedPanels.h"
 
 using namespace quillbay;
 using namespace Qt::StringLiterals;
-
-namespace {
-
-class RecordingWorkspace final : public Workspace
-{
-public:
-    bool canOpen = true;
-    QList<QUrl> opened;
-
-    bool openUrl(const QUrl& url) override
-    {
-        opened << url;
-        return canOpen;
-    }
-    bool revealFiles(const QStringList&) override { return false; }
-    std::optional<QString> applicationPath(const QString&) override { return std::nullopt; }
-    QStringList runningApplicationIdentifiers() override { return {}; }
-    bool openTerminal(const QString&) override { return false; }
-};
-
-} // namespace
 
 TEST(FeedbackMailTest, TheAddressCarriesSubjectAndBodyIntact)
 {
@@ -69,11 +48,11 @@ TEST(FeedbackMailTest, TheAddressCarriesSubjectAndBodyIntact)
 
 TEST(FeedbackMailTest, WithoutAMailProgramNothingHappensVisibly)
 {
-    RecordingWorkspace workspace;
+    test::RecordingWorkspace workspace;
     const FeedbackMail mail {u"support@quillbay.app"_s, u"Quillbay"_s, u"1.0"_s, u"Linux"_s};
     EXPECT_TRUE(mail.send(workspace));
-    workspace.canOpen = false;
+    workspace.opensUrls = false;
     EXPECT_FALSE(mail.send(workspace));
-    ASSERT_EQ(workspace.opened.size(), 2);
-    EXPECT_EQ(workspace.opened.at(1), mail.url());
+    ASSERT_EQ(workspace.openedUrls.size(), 2);
+    EXPECT_EQ(workspace.openedUrls.at(1), mail.url());
 }

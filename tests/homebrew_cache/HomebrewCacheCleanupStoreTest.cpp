@@ -38,7 +38,7 @@ TEST(HomebrewCacheCleanupStoreTest, ChoosingTheCacheScansItSelectsAllAndRemember
     EXPECT_EQ(f.store->page(), Page::authorizationRequired);
 
     ASSERT_TRUE(f.authorize());
-    ASSERT_EQ(f.pickers.requests.size(), 1u);
+    ASSERT_EQ(f.pickers.requests.size(), 1);
     EXPECT_EQ(f.pickers.requests[0].directory, f.cache.root());
     EXPECT_EQ(f.pickers.requests[0].message,
               QStringLiteral("Choose ~/.cache/Homebrew to scan and clean its cache contents."));
@@ -84,7 +84,7 @@ TEST(HomebrewCacheCleanupStoreTest, AWrongFolderIsRefusedAndNothingIsSaved)
     // Cancelling changes nothing.
     f.store->chooseRoot();
     ASSERT_TRUE(waitUntil([&] { return !f.store->isChoosingRoot(); }));
-    EXPECT_EQ(f.pickers.requests.size(), 2u);
+    EXPECT_EQ(f.pickers.requests.size(), 2);
 
     // With an earlier folder the page stays authorized, now showing the failure.
     ASSERT_TRUE(f.authorize());

@@ -5,10 +5,10 @@
 #include <vector>
 
 #include "CacheFixture.h"
-#include "ScriptedPickers.h"
 #include "core/state/SavedSpaceStore.h"
 #include "foundation/Defaults.h"
 #include "homebrew_cache/HomebrewCacheCleanupStore.h"
+#include "testsupport/ScriptedPanels.h"
 #include "testsupport/TestEnvironment.h"
 
 namespace quillbay::test {

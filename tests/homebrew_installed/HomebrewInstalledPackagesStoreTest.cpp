@@ -5,11 +5,12 @@
 
 #include <gtest/gtest.h>
 
-#include "StoreTestDoubles.h"
+#include "GatedProcessor.h"
 #include "UnprivilegedUser.h"
 #include "foundation/Defaults.h"
 #include "homebrew_installed/HomebrewInstalledPackagesStore.h"
 #include "platform/FolderBookmark.h"
+#include "testsupport/ScriptedPanels.h"
 #include "testsupport/TempTree.h"
 #include "testsupport/TestEnvironment.h"
 
@@ -112,12 +113,12 @@ TEST_F(HomebrewInstalledPackagesStoreTest, FirstVisitAuthorizesThenTheNextLaunch
         // Nothing stored: no panel opens by itself and nothing is scanned.
         EXPECT_FALSE(store->isAuthorized());
         EXPECT_FALSE(store->errorMessage().has_value());
-        EXPECT_TRUE(m_pickers.folderRequests.isEmpty());
+        EXPECT_TRUE(m_pickers.requests.isEmpty());
 
         authorizeThroughPanel(*store);
-        ASSERT_EQ(m_pickers.folderRequests.size(), 1);
-        EXPECT_EQ(m_pickers.folderRequests[0].message, u"Choose the Homebrew root folder that contains bin/brew."_s);
-        EXPECT_EQ(m_pickers.folderRequests[0].prompt, u"Choose"_s);
+        ASSERT_EQ(m_pickers.requests.size(), 1);
+        EXPECT_EQ(m_pickers.requests[0].message, u"Choose the Homebrew root folder that contains bin/brew."_s);
+        EXPECT_EQ(m_pickers.requests[0].prompt, u"Choose"_s);
         EXPECT_EQ(store->rootURL(), m_root);
         EXPECT_TRUE(store->hasScannedThisLaunch());
         EXPECT_FALSE(store->errorMessage().has_value());
@@ -135,7 +136,7 @@ TEST_F(HomebrewInstalledPackagesStoreTest, FirstVisitAuthorizesThenTheNextLaunch
     store->start(catalog());
     ASSERT_TRUE(waitUntil([&] { return store->formulae().size() == 4 && idle(*store); }));
     EXPECT_EQ(store->rootURL(), m_root);
-    EXPECT_EQ(m_pickers.folderRequests.size(), 1);
+    EXPECT_EQ(m_pickers.requests.size(), 1);
 
     // Coming back to the screen does not scan again; only a rescan sees new folders.
     m_tree.mkdir(u"brew/Cellar/jq/1.9.0"_s);
@@ -183,7 +184,7 @@ TEST_F(HomebrewInstalledPackagesStoreTest, FailedAuthorizationKeepsTheFormerRoot
     store->chooseRoot();
     ASSERT_TRUE(waitUntil([&] { return !store->isChoosingRoot(); }));
     EXPECT_EQ(store->rootURL(), m_root);
-    EXPECT_EQ(m_pickers.folderRequests.last().directory, m_root);
+    EXPECT_EQ(m_pickers.requests.last().directory, m_root);
 }
 
 TEST_F(HomebrewInstalledPackagesStoreTest, ADeadBookmarkIsReportedAndDropped)
@@ -428,7 +429,7 @@ TEST_F(HomebrewInstalledPackagesStoreTest, RemovingAuthorizationForgetsEverythin
     QSignalSpy state(store.get(), &HomebrewInstalledPackagesStore::stateChanged);
     state.wait(200);
     EXPECT_FALSE(store->isAuthorized());
-    EXPECT_TRUE(m_pickers.folderRequests.size() == 1);
+    EXPECT_TRUE(m_pickers.requests.size() == 1);
 }
 
 TEST_F(HomebrewInstalledPackagesStoreTest, RevealShowsOnlyFoldersInsideTheRoot)
@@ -537,5 +538,5 @@ TEST_F(HomebrewInstalledPackagesStoreTest, ThePanelOpensAtAnInstalledPrefix)
     m_pickers.answers.push_back(std::nullopt);
     store->chooseRoot();
     ASSERT_TRUE(waitUntil([&] { return !store->isChoosingRoot(); }));
-    EXPECT_EQ(m_pickers.folderRequests.last().directory, store->suggestedRootDirectory());
+    EXPECT_EQ(m_pickers.requests.last().directory, store->suggestedRootDirectory());
 }

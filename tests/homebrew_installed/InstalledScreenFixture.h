@@ -9,7 +9,7 @@
 #include "homebrew_installed/HomebrewInstalledCatalogLink.h"
 #include "homebrew_installed/HomebrewInstalledPackagesStore.h"
 #include "tests/homebrew_catalog/CatalogServiceFixture.h"
-#include "tests/homebrew_installed/StoreTestDoubles.h"
+#include "testsupport/ScriptedPanels.h"
 #include "testsupport/TempTree.h"
 #include "testsupport/TestEnvironment.h"
 

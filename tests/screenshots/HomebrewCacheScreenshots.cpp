@@ -13,8 +13,8 @@
 #include "homebrew_cache/views/HomebrewCacheCleanupView.h"
 #include "homebrew_cache/views/HomebrewCacheOutlineModel.h"
 #include "homebrew_cache/views/HomebrewCacheSettingsSection.h"
-#include "tests/homebrew_cache/ScriptedPickers.h"
 #include "tests/screenshots/Screenshots.h"
+#include "testsupport/ScriptedPanels.h"
 #include "testsupport/TempTree.h"
 #include "testsupport/TestEnvironment.h"
 

@@ -8,8 +8,8 @@
 #include "core/AppViewModel.h"
 #include "core/state/SavedSpaceStore.h"
 #include "foundation/Defaults.h"
-#include "platform/Workspace.h"
 #include "tests/screenshots/Screenshots.h"
+#include "testsupport/ScriptedPanels.h"
 #include "testsupport/TestEnvironment.h"
 #include "xcode_releases/XcodeReleaseService.h"
 #include "xcode_releases/views/XcodeReleasesView.h"
@@ -59,16 +59,6 @@ XcodeReleaseDataLoader fixedAnswer(int status, QByteArray body)
     };
 }
 
-class QuietWorkspace final : public Workspace
-{
-public:
-    bool openUrl(const QUrl&) override { return false; }
-    bool revealFiles(const QStringList&) override { return false; }
-    std::optional<QString> applicationPath(const QString&) override { return std::nullopt; }
-    QStringList runningApplicationIdentifiers() override { return {}; }
-    bool openTerminal(const QString&) override { return false; }
-};
-
 struct ScreenState
 {
     QTemporaryDir dir;
@@ -81,7 +71,11 @@ struct ScreenState
     {
         model.replaceXcodeReleaseService(std::make_unique<XcodeReleaseService>(
             QUrl(QStringLiteral("https://feed.example.test/data.json")), cache, fixedAnswer(status, body)));
-        model.replaceWorkspace(std::make_unique<QuietWorkspace>());
+        // Nothing opens from a screenshot.
+        auto workspace = std::make_unique<test::RecordingWorkspace>();
+        workspace->opensUrls = false;
+        workspace->reveals = false;
+        model.replaceWorkspace(std::move(workspace));
     }
 
     bool settle()

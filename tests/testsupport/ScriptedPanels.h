@@ -1,10 +1,12 @@
 #pragma once
 
-#include <QCoreApplication>
 #include <QList>
+#include <QObject>
 #include <QStringList>
+#include <QUrl>
 #include <deque>
 #include <functional>
+#include <optional>
 
 #include "platform/Alerts.h"
 #include "platform/Pickers.h"
@@ -13,8 +15,13 @@
 namespace quillbay::test {
 
 // Stands in for the user at a panel: each request takes the next scripted answer, which
-// arrives later on the event loop as a real panel's would. A script step may also act on
-// the disk before answering (the user creating a folder inside the panel).
+// arrives later on the event loop as a real panel's would. Answers are queued on a context
+// object the double owns, so an answer still pending when the double goes away is dropped
+// instead of reaching freed memory.
+//
+// A folder request first takes the next step given to answerWith/cancelNext (a step may act
+// on the disk before answering: the user creating a folder inside the panel); once those run
+// out it takes the front of `answers`; with neither it cancels.
 class ScriptedPickers final : public Pickers
 {
 public:
@@ -36,32 +43,57 @@ public:
         requests.append(request);
         std::optional<QString> result;
         if (!m_steps.empty()) {
-            result = m_steps.front()(request);
+            const Step step = std::move(m_steps.front());
             m_steps.pop_front();
+            result = step(request);
+        } else if (!answers.empty()) {
+            result = answers.front();
+            answers.pop_front();
         }
         QMetaObject::invokeMethod(
-            QCoreApplication::instance(),
-            [this, answer, result] {
+            &m_context,
+            [this, answer = std::move(answer), result] {
                 answer(result);
                 ++answered;
             },
             Qt::QueuedConnection);
     }
 
-    void chooseSaveLocation(const SaveRequest&, Answer answer) override
+    void chooseSaveLocation(const SaveRequest& request, Answer answer) override
     {
+        saveRequests.append(request);
+        std::optional<QString> result;
+        if (!saveAnswers.empty()) {
+            result = saveAnswers.front();
+            saveAnswers.pop_front();
+        }
         QMetaObject::invokeMethod(
-            QCoreApplication::instance(), [answer] { answer(std::nullopt); }, Qt::QueuedConnection);
+            &m_context,
+            [this, answer = std::move(answer), result] {
+                answer(result);
+                ++saveAnswered;
+            },
+            Qt::QueuedConnection);
     }
 
+    // Folder answers taken after the scripted steps; nullopt is a cancel.
+    std::deque<std::optional<QString>> answers;
     QList<FolderRequest> requests;
-    // Answers handed back so far; the answer is acted on before this moves.
+    // Folder answers handed back so far; the answer is acted on before this moves.
     int answered = 0;
+
+    // The save panel: answers in order (nullopt or none left is a cancel).
+    std::deque<std::optional<QString>> saveAnswers;
+    QList<SaveRequest> saveRequests;
+    int saveAnswered = 0;
 
 private:
     std::deque<Step> m_steps;
+    QObject m_context;
 };
 
+// The user at an alert: presses the scripted button, or the last one (the cancel) when
+// nothing is scripted.
 class ScriptedAlerts final : public Alerts
 {
 public:
@@ -74,36 +106,63 @@ public:
         if (!m_presses.empty())
             m_presses.pop_front();
         QMetaObject::invokeMethod(
-            QCoreApplication::instance(), [answer, index] { answer(index); }, Qt::QueuedConnection);
+            &m_context, [answer = std::move(answer), index] { answer(index); }, Qt::QueuedConnection);
     }
 
     QList<Request> requests;
 
 private:
     std::deque<int> m_presses;
+    QObject m_context;
 };
 
-// A desktop on which the listed applications run and every reveal is recorded.
+// Stands in for the desktop, which cannot open a browser, a file manager or a terminal
+// here: records every call and answers with what the test set up. Every identifier looks
+// up the one application path it was given (Xcode, in the tests that need one).
 class RecordingWorkspace final : public Workspace
 {
 public:
+    explicit RecordingWorkspace(std::optional<QString> applicationPath = std::nullopt)
+        : m_applicationPath(std::move(applicationPath))
+    {
+    }
+
     bool openUrl(const QUrl& url) override
     {
         openedUrls.append(url);
-        return true;
+        return opensUrls;
     }
     bool revealFiles(const QStringList& paths) override
     {
         revealed.append(paths);
-        return true;
+        return reveals;
     }
-    std::optional<QString> applicationPath(const QString&) override { return std::nullopt; }
+    std::optional<QString> applicationPath(const QString& identifier) override
+    {
+        askedIdentifiers.append(identifier);
+        return m_applicationPath;
+    }
     QStringList runningApplicationIdentifiers() override { return running; }
-    bool openTerminal(const QString&) override { return false; }
+    bool openTerminal(const QString& folder) override
+    {
+        terminals.append(folder);
+        return opensTerminals;
+    }
 
+    // What the calls answer.
+    bool opensUrls = true;
+    bool reveals = true;
+    bool opensTerminals = false;
     QStringList running;
+
+    // What was asked, in order.
     QList<QUrl> openedUrls;
     QList<QStringList> revealed;
+    QStringList askedIdentifiers;
+    QStringList terminals;
+
+private:
+    std::optional<QString> m_applicationPath;
 };
 
 } // namespace quillbay::test

@@ -5,9 +5,9 @@
 #include <gtest/gtest.h>
 #include <plist/plist.h>
 
-#include "LogCapture.h"
 #include "QtPrinting.h"
 #include "testsupport/DeveloperTreeBuilder.h"
+#include "testsupport/LogCapture.h"
 #include "testsupport/TempTree.h"
 #include "testsupport/TestEnvironment.h"
 #include "xcode_cleanup/ArchiveReader.h"
@@ -110,8 +110,7 @@ TEST(ArchiveReaderTest, BrokenArchivesAreLeftOutWithTheirLogLine)
         if (c.logLine)
             EXPECT_TRUE(log.contains(QString::fromUtf8(c.logLine)));
         else
-            EXPECT_TRUE(test::LogCapture::lines().isEmpty());
-        test::LogCapture::lines().clear();
+            EXPECT_TRUE(log.messages().isEmpty());
     }
 
     // A plist that is cut short, one that is not a dictionary, one whose properties are a

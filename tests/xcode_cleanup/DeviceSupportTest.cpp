@@ -4,9 +4,9 @@
 
 #include <gtest/gtest.h>
 
-#include "LogCapture.h"
 #include "QtPrinting.h"
 #include "testsupport/DeveloperTreeBuilder.h"
+#include "testsupport/LogCapture.h"
 #include "testsupport/TempTree.h"
 #include "testsupport/TestEnvironment.h"
 #include "xcode_cleanup/DeviceNames.h"

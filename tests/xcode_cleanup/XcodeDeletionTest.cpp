@@ -8,6 +8,7 @@
 
 #include "foundation/Log.h"
 #include "testsupport/ImmutableFile.h"
+#include "testsupport/LogCapture.h"
 #include "testsupport/TempTree.h"
 #include "xcode_cleanup/XcodeDeletion.h"
 
@@ -50,20 +51,6 @@ qint64 allocatedBelow(const QString& path)
     }
     return total;
 }
-
-// Collects the error lines of the deletion guard, to tell its two rejections apart.
-struct LogCapture
-{
-    static inline QStringList lines;
-    static void handler(QtMsgType type, const QMessageLogContext&, const QString& message)
-    {
-        if (type == QtCriticalMsg)
-            lines.append(message);
-    }
-    QtMessageHandler previous = qInstallMessageHandler(&LogCapture::handler);
-    LogCapture() { lines.clear(); }
-    ~LogCapture() { qInstallMessageHandler(previous); }
-};
 
 const QString kFirst = QStringLiteral("Rejected Xcode cleanup item outside an authorized root.");
 const QString kSecond = QStringLiteral("Rejected Xcode cleanup item after its parent changed.");
@@ -211,7 +198,7 @@ TEST(XcodeDeletionTest, NothingOutsideTheRootsIsEverRemoved)
             ASSERT_TRUE(QFile::rename(dated, s.tree.path(QStringLiteral("parked"))));
             ASSERT_TRUE(QFile::link(s.outside, dated));
         });
-        LogCapture log;
+        test::LogCapture log;
         const XcodeDeletionResult result = deletion.run({{QStringLiteral("Loc"), QStringLiteral("Item"), target}});
         EXPECT_EQ(result.deletedItemCount, 0);
         EXPECT_EQ(result.failedItemCount, 1);
@@ -219,7 +206,7 @@ TEST(XcodeDeletionTest, NothingOutsideTheRootsIsEverRemoved)
         ASSERT_EQ(result.failures.size(), 1);
         EXPECT_EQ(result.failures[0].itemName, QStringLiteral("Item"));
         EXPECT_TRUE(result.failures[0].message.startsWith(QStringLiteral("You don’t have permission")));
-        EXPECT_EQ(log.lines, QStringList {c.expectedLog});
+        EXPECT_EQ(log.criticalMessages(), QStringList {c.expectedLog});
         EXPECT_EQ(hookCalls, swaps ? 1 : 0) << "a target refused at once is not even measured";
         EXPECT_EQ(snapshot(s.outside), outsideBefore);
         if (!swaps) {
@@ -258,13 +245,13 @@ TEST(XcodeDeletionTest, DeletesLinksAsLinksAndCountsAbsentItemsAsNeither)
         {QStringLiteral("Derived Data"), QStringLiteral("Gone"), s.x(QStringLiteral("DerivedData/Gone-1"))},
         {QStringLiteral("Derived Data"), QStringLiteral("Other"), s.tree.path(QStringLiteral("custom/DD/Other-q"))},
     };
-    LogCapture log;
+    test::LogCapture log;
     const XcodeDeletionResult result = s.deletion({s.tree.path(QStringLiteral("custom/DD"))}).run(targets);
     EXPECT_EQ(result.deletedItemCount, 5) << "two paths of one row count as two items; the absent one as none";
     EXPECT_EQ(result.failedItemCount, 0);
     EXPECT_TRUE(result.failures.isEmpty());
     EXPECT_EQ(result.reclaimedSize, projectBytes + docBytes + customBytes) << "a link frees nothing";
-    EXPECT_TRUE(log.lines.isEmpty()) << log.lines.join(QLatin1Char('\n')).toStdString();
+    EXPECT_TRUE(log.criticalMessages().isEmpty()) << log.criticalMessages().join(QLatin1Char('\n')).toStdString();
     for (const QString& gone : {project, link, doc1, doc2, QFileInfo(custom).path()})
         EXPECT_FALSE(QFileInfo(gone).exists() || QFileInfo(gone).isSymLink()) << gone.toStdString();
     EXPECT_TRUE(QFileInfo::exists(s.x(QStringLiteral("DerivedData")))) << "the root itself stays";
@@ -281,7 +268,7 @@ TEST(XcodeDeletionTest, AnUndeletableItemFailsAloneAndTheRunGoesOn)
     test::ImmutableFile immutable(stuck);
     if (!immutable.isActive())
         GTEST_SKIP() << "this file system cannot mark a file immutable, and root may remove anything else";
-    LogCapture log;
+    test::LogCapture log;
     const XcodeDeletionResult result = s.deletion().run(
         {{QStringLiteral("Derived Data"), QStringLiteral("A"), s.x(QStringLiteral("DerivedData/A-1"))},
          {QStringLiteral("Derived Data"), QStringLiteral("B"), s.x(QStringLiteral("DerivedData/B-2"))}});
@@ -294,6 +281,7 @@ TEST(XcodeDeletionTest, AnUndeletableItemFailsAloneAndTheRunGoesOn)
     EXPECT_TRUE(QFileInfo::exists(stuck));
     EXPECT_FALSE(QFileInfo::exists(s.x(QStringLiteral("DerivedData/A-1/g")))) << "as much as possible goes";
     EXPECT_FALSE(QFileInfo::exists(s.x(QStringLiteral("DerivedData/B-2"))));
-    ASSERT_EQ(log.lines.size(), 1);
-    EXPECT_TRUE(log.lines[0].startsWith(QStringLiteral("Failed to delete Xcode cleanup item in Derived Data: ")));
+    ASSERT_EQ(log.criticalMessages().size(), 1);
+    EXPECT_TRUE(
+        log.criticalMessages()[0].startsWith(QStringLiteral("Failed to delete Xcode cleanup item in Derived Data: ")));
 }

@@ -4,11 +4,11 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "LogCapture.h"
 #include "QtPrinting.h"
 #include "foundation/SerialExecutor.h"
 #include "platform/UserPaths.h"
 #include "testsupport/DeveloperTreeBuilder.h"
+#include "testsupport/LogCapture.h"
 #include "testsupport/TempTree.h"
 #include "testsupport/TestEnvironment.h"
 #include "xcode_cleanup/XcodeFileManager.h"

@@ -4,12 +4,13 @@
 #include <gtest/gtest.h>
 
 #include "FeedServer.h"
-#include "RecordingWorkspace.h"
 #include "ReleasesFixture.h"
 #include "core/AppViewModel.h"
 #include "core/state/SavedSpaceStore.h"
 #include "foundation/BuildConfig.h"
 #include "foundation/Defaults.h"
+#include "testsupport/LogCapture.h"
+#include "testsupport/ScriptedPanels.h"
 #include "testsupport/TempTree.h"
 #include "testsupport/TestEnvironment.h"
 #include "xcode_releases/XcodeReleaseDecoder.h"
@@ -66,7 +67,7 @@ TEST(AppViewModelReleasesTest, StartUpReachesEachOfTheFourStates)
         Store s(c.cached, c.status, c.body);
         EXPECT_TRUE(s.model->releases().isEmpty());
         EXPECT_FALSE(s.model->hasError());
-        LogCapture log(QUILLBAY_BUNDLE_IDENTIFIER ".App");
+        LogCapture log(QStringLiteral(QUILLBAY_BUNDLE_IDENTIFIER ".App"));
         ASSERT_TRUE(waitUntil([&] { return s.server.requestCount() == 1; })) << "the network is asked at every start";
         ASSERT_TRUE(
             waitUntil([&] { return s.model->hasError() == c.hasError && s.model->releases().size() == c.releases; }));
@@ -75,9 +76,10 @@ TEST(AppViewModelReleasesTest, StartUpReachesEachOfTheFourStates)
         EXPECT_EQ(s.model->releases().size(), c.releases);
         EXPECT_EQ(s.model->hasError(), c.hasError);
         EXPECT_EQ(readAll(s.cachePath), c.cacheAfter);
-        EXPECT_EQ(log.messages().size(), c.hasError ? 1 : 0) << log.messages().join(u'\n').toStdString();
+        EXPECT_EQ(log.criticalMessages().size(), c.hasError ? 1 : 0)
+            << log.criticalMessages().join(u'\n').toStdString();
         if (c.hasError) {
-            EXPECT_TRUE(log.messages().value(0).startsWith(QStringLiteral("Failed to fetch data: ")));
+            EXPECT_TRUE(log.criticalMessages().value(0).startsWith(QStringLiteral("Failed to fetch data: ")));
         }
     }
 }
@@ -164,8 +166,9 @@ TEST(AppViewModelReleasesTest, InstalledXcodeVersionComesFromTheBundle)
         auto workspace = std::make_unique<RecordingWorkspace>(bundle);
         RecordingWorkspace* recorder = workspace.get();
         s.model->replaceWorkspace(std::move(workspace));
-        ASSERT_TRUE(waitUntil([&] { return !recorder->asked.isEmpty() && s.model->releases().size() == 2; }));
-        EXPECT_EQ(recorder->asked, QStringList {QStringLiteral("com.apple.dt.Xcode")});
+        ASSERT_TRUE(
+            waitUntil([&] { return !recorder->askedIdentifiers.isEmpty() && s.model->releases().size() == 2; }));
+        EXPECT_EQ(recorder->askedIdentifiers, QStringList {QStringLiteral("com.apple.dt.Xcode")});
         EXPECT_EQ(s.model->xcodeVersion(), c.expected);
     }
 }

@@ -5,14 +5,6 @@
 
 namespace quillbay::test {
 
-namespace {
-
-QMutex logMutex;
-QStringList capturedMessages;
-const char* capturedCategory = nullptr;
-
-} // namespace
-
 FeedServer::FeedServer()
 {
     m_server.route(QStringLiteral("/data.json"), [this](const QHttpServerRequest&) {
@@ -22,35 +14,6 @@ FeedServer::FeedServer()
     });
     const quint16 port = m_server.listen(QHostAddress::LocalHost);
     m_url = QUrl(QStringLiteral("http://127.0.0.1:%1/data.json").arg(port));
-}
-
-LogCapture::LogCapture(const char* category)
-{
-    QMutexLocker lock(&logMutex);
-    capturedMessages.clear();
-    capturedCategory = category;
-    m_previous = qInstallMessageHandler(&LogCapture::handler);
-}
-
-LogCapture::~LogCapture()
-{
-    qInstallMessageHandler(m_previous);
-    QMutexLocker lock(&logMutex);
-    capturedCategory = nullptr;
-}
-
-QStringList LogCapture::messages() const
-{
-    QMutexLocker lock(&logMutex);
-    return capturedMessages;
-}
-
-void LogCapture::handler(QtMsgType type, const QMessageLogContext& context, const QString& message)
-{
-    QMutexLocker lock(&logMutex);
-    if (type == QtCriticalMsg && capturedCategory && context.category
-        && qstrcmp(context.category, capturedCategory) == 0)
-        capturedMessages << message;
 }
 
 QByteArray smallFeed()

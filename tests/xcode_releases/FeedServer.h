@@ -2,7 +2,6 @@
 
 #include <QByteArray>
 #include <QHttpServer>
-#include <QMutex>
 #include <QStringList>
 #include <QUrl>
 
@@ -29,19 +28,6 @@ private:
     int m_status = 200;
     QByteArray m_body;
     int m_requests = 0;
-};
-
-// Collects the messages of one logging category while it lives.
-class LogCapture
-{
-public:
-    explicit LogCapture(const char* category);
-    ~LogCapture();
-    QStringList messages() const;
-
-private:
-    static void handler(QtMsgType type, const QMessageLogContext& context, const QString& message);
-    QtMessageHandler m_previous;
 };
 
 // A small valid feed of two releases, one final and one beta, with keys the records

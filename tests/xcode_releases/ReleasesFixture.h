@@ -5,10 +5,10 @@
 #include <optional>
 
 #include "FeedServer.h"
-#include "RecordingWorkspace.h"
 #include "core/AppViewModel.h"
 #include "core/state/SavedSpaceStore.h"
 #include "foundation/Defaults.h"
+#include "testsupport/ScriptedPanels.h"
 #include "testsupport/TempTree.h"
 #include "xcode_releases/XcodeReleaseService.h"
 

@@ -9,6 +9,7 @@
 
 #include "FeedServer.h"
 #include "foundation/BuildConfig.h"
+#include "testsupport/LogCapture.h"
 #include "testsupport/TempTree.h"
 #include "testsupport/TestEnvironment.h"
 #include "xcode_releases/XcodeReleaseService.h"
@@ -18,7 +19,7 @@ using namespace quillbay::test;
 
 namespace {
 
-const char* const kAppCategory = QUILLBAY_BUNDLE_IDENTIFIER ".App";
+const QString kAppCategory = QStringLiteral(QUILLBAY_BUNDLE_IDENTIFIER ".App");
 
 QByteArray readAll(const QString& path)
 {
@@ -186,7 +187,7 @@ TEST(XcodeReleaseServiceTest, AnUnwritableCacheLogsOneLineAndTheFetchSucceeds)
         const XcodeReleaseFetchResult result = fetch(*service);
         EXPECT_TRUE(result.succeeded()) << result.failureDescription().toStdString();
         EXPECT_EQ(result.data, smallFeed());
-        const QStringList lines = log.messages();
+        const QStringList lines = log.criticalMessages();
         ASSERT_EQ(lines.size(), 1) << lines.join(u'\n').toStdString();
         EXPECT_TRUE(lines.first().startsWith(QStringLiteral("Failed to save Xcode release cache: ")));
     }

@@ -226,7 +226,7 @@ TEST(XcodeReleasesViewTest, LinksOpenOnlyRealAddresses)
     ASSERT_TRUE(waitUntil([&] { return s.store.model->releases().size() == 5; }));
     s.store.model->setOnlyRelease(false);
     s.store.model->setReleaseColumnVisible(AppViewModel::ReleaseColumn::releaseNotes, true);
-    QList<QUrl>& opened = s.store.workspace->opened;
+    QList<QUrl>& opened = s.store.workspace->openedUrls;
 
     s.clickPart(0, Column::releaseNotes, Part::releaseNotesButton);
     EXPECT_TRUE(opened.isEmpty()) << "a release without notes still shows the button, which does nothing";
