@@ -78,7 +78,9 @@ void renderHomebrewInstalledScreenshots(const QString& outDir)
         // A package page with the local sections, a copied command and a failed action.
         scene.view->openPackage(scene.installed->formulae()[0]);
         save(scene.view.get(), outDir, QStringLiteral("homebrew-installed-package-page"));
-        scene.view->currentPackagePage()->findChild<QPushButton*>(QStringLiteral("copyUpgradeCommandPushButton"))->click();
+        scene.view->currentPackagePage()
+            ->findChild<QPushButton*>(QStringLiteral("copyUpgradeCommandPushButton"))
+            ->click();
         HomebrewInstalledPackage outside = scene.installed->formulae()[1];
         outside.installationURL = scene.tree().mkdir(QStringLiteral("elsewhere/0.1"));
         scene.view->goBack();
