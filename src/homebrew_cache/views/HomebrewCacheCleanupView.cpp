@@ -15,6 +15,7 @@
 #include <QVBoxLayout>
 
 #include "core/views/FolderAuthorizationRequiredView.h"
+#include "core/views/ProgressPanel.h"
 #include "core/views/SymbolIcons.h"
 #include "core/views/ToastOverlay.h"
 #include "foundation/ByteCount.h"
@@ -24,28 +25,6 @@
 #include "homebrew_cache/views/HomebrewCacheUnavailablePanel.h"
 
 namespace quillbay {
-
-namespace {
-
-QWidget* progressPanel(const QString& text, const QString& objectName, QWidget* parent)
-{
-    auto* panel = new QWidget(parent);
-    panel->setObjectName(objectName);
-    auto* layout = new QVBoxLayout(panel);
-    layout->addStretch();
-    auto* bar = new QProgressBar(panel);
-    bar->setRange(0, 0);
-    bar->setTextVisible(false);
-    bar->setFixedWidth(220);
-    auto* label = new QLabel(text, panel);
-    label->setAlignment(Qt::AlignCenter);
-    layout->addWidget(bar, 0, Qt::AlignHCenter);
-    layout->addWidget(label);
-    layout->addStretch();
-    return panel;
-}
-
-} // namespace
 
 HomebrewCacheCleanupView::HomebrewCacheCleanupView(HomebrewCacheCleanupStore& store, QWidget* parent)
     : QWidget(parent)
@@ -57,7 +36,7 @@ HomebrewCacheCleanupView::HomebrewCacheCleanupView(HomebrewCacheCleanupStore& st
     , m_authorization(new FolderAuthorizationRequiredView(
           tr("Calculate and clean Homebrew caches."), QStringLiteral("externaldrive.badge.questionmark"), m_pages))
     , m_chooseFolder(m_authorization->addAction(tr("Choose Folder"), QStringLiteral("chooseFolderPushButton")))
-    , m_scanning(progressPanel(tr("Scanning Homebrew Cache"), QStringLiteral("scanningPanel"), m_pages))
+    , m_scanning(makeProgressPanel(tr("Scanning Homebrew Cache"), QStringLiteral("scanningPanel"), m_pages))
     , m_failed(new HomebrewCacheUnavailablePanel(
           QStringLiteral("exclamationmark.triangle"), tr("Failed to load data"), tr("Retry"), m_pages))
     , m_empty(new HomebrewCacheUnavailablePanel(
@@ -65,7 +44,7 @@ HomebrewCacheCleanupView::HomebrewCacheCleanupView(HomebrewCacheCleanupStore& st
     , m_outline(new QTreeView(m_pages))
     , m_model(new HomebrewCacheOutlineModel(store, this))
     , m_footer(new HomebrewCacheCleanupFooter(store, this))
-    , m_cleaningOverlay(progressPanel(tr("Cleaning Homebrew Cache"), QStringLiteral("cleaningOverlay"), this))
+    , m_cleaningOverlay(makeProgressPanel(tr("Cleaning Homebrew Cache"), QStringLiteral("cleaningOverlay"), this))
     , m_toast(nullptr)
 {
     setObjectName(QStringLiteral("homebrewCacheCleanupView"));

@@ -6,34 +6,12 @@
 #include <QVBoxLayout>
 
 #include "core/views/FolderAuthorizationRequiredView.h"
+#include "core/views/ProgressPanel.h"
 #include "homebrew_installed/HomebrewInstalledPackagesStore.h"
 #include "homebrew_installed/views/HomebrewInstalledPackageTable.h"
 #include "homebrew_installed/views/HomebrewInstalledUnavailablePanel.h"
 
 namespace quillbay {
-
-namespace {
-
-QWidget* progressPanel(const QString& text, const QString& objectName, QWidget* parent)
-{
-    auto* panel = new QWidget(parent);
-    panel->setObjectName(objectName);
-    auto* layout = new QVBoxLayout(panel);
-    layout->addStretch();
-    auto* bar = new QProgressBar(panel);
-    bar->setRange(0, 0);
-    bar->setTextVisible(false);
-    bar->setFixedWidth(220);
-    auto* label = new QLabel(text, panel);
-    label->setObjectName(objectName + QStringLiteral("Label"));
-    label->setAlignment(Qt::AlignCenter);
-    layout->addWidget(bar, 0, Qt::AlignHCenter);
-    layout->addWidget(label);
-    layout->addStretch();
-    return panel;
-}
-
-} // namespace
 
 HomebrewInstalledPackagesContent::HomebrewInstalledPackagesContent(HomebrewInstalledPackagesStore& store,
                                                                    QWidget* parent)
@@ -42,9 +20,9 @@ HomebrewInstalledPackagesContent::HomebrewInstalledPackagesContent(HomebrewInsta
     , m_authorization(new FolderAuthorizationRequiredView(
           tr("View installed Homebrew Formulae and Casks."), QStringLiteral("externaldrive.badge.questionmark"), this))
     , m_chooseFolder(m_authorization->addAction(tr("Choose Folder"), QStringLiteral("chooseFolderPushButton")))
-    , m_scanning(progressPanel(tr("Scanning Installed Packages"), QStringLiteral("scanningPanel"), this))
+    , m_scanning(makeProgressPanel(tr("Scanning Installed Packages"), QStringLiteral("scanningPanel"), this))
     , m_failed(new HomebrewInstalledUnavailablePanel(tr("Retry"), this))
-    , m_filtering(progressPanel(tr("Searching Installed Packages"), QStringLiteral("filteringPanel"), this))
+    , m_filtering(makeProgressPanel(tr("Searching Installed Packages"), QStringLiteral("filteringPanel"), this))
     , m_noSearchResults(new HomebrewInstalledUnavailablePanel(QString(), this))
     , m_noPackages(new HomebrewInstalledUnavailablePanel(tr("Rescan"), this))
     , m_table(new HomebrewInstalledPackageTable(this))
