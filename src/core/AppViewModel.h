@@ -184,9 +184,9 @@ public:
     void setWatchOSSelection(AppIconOption option);
     bool mergeIOSWatchOS() const { return m_mergeIOSWatchOS; }
     void setMergeIOSWatchOS(bool value);
-    bool x1Selected() const { return m_x1Selected; }
-    bool x2Selected() const { return m_x2Selected; }
-    bool x3Selected() const { return m_x3Selected; }
+    bool x1Selected() const { return isScaleSelected(AssetScale::x1); }
+    bool x2Selected() const { return isScaleSelected(AssetScale::x2); }
+    bool x3Selected() const { return isScaleSelected(AssetScale::x3); }
     bool isScaleSelected(AssetScale scale) const;
     void setScaleSelected(AssetScale scale, bool value);
     bool setSize() const { return m_setSize; }
@@ -250,6 +250,9 @@ signals:
     void developerFolderAuthorizationChanged();
 
 private:
+    // Every assets-maker input is set the same way: store it, then tell the screen.
+    template <typename T> void changeAssetInput(T& field, T value);
+
     Defaults& m_defaults;
     SavedSpaceStore& m_savedSpaceStore;
 
@@ -313,9 +316,7 @@ private:
     AppIconOption m_iOSSelection = AppIconOption::none;
     AppIconOption m_watchOSSelection = AppIconOption::none;
     bool m_mergeIOSWatchOS = false;
-    bool m_x1Selected = true;
-    bool m_x2Selected = true;
-    bool m_x3Selected = true;
+    std::array<bool, 3> m_scaleSelected {true, true, true}; // by AssetScale
     bool m_setSize = false;
     qint64 m_width = 44;
     qint64 m_height = 44;

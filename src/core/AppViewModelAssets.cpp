@@ -25,81 +25,53 @@ constexpr int kDroppedImageCompressionLevel = 1;
 
 } // namespace
 
+template <typename T> void AppViewModel::changeAssetInput(T& field, T value)
+{
+    field = value;
+    emit assetInputsChanged();
+}
+
 void AppViewModel::setTabViewSelection(AssetsMakerTab tab)
 {
-    m_tabViewSelection = tab;
-    emit assetInputsChanged();
+    changeAssetInput(m_tabViewSelection, tab);
 }
-
 void AppViewModel::setMacOSSelection(AppIconOption option)
 {
-    m_macOSSelection = option;
-    emit assetInputsChanged();
+    changeAssetInput(m_macOSSelection, option);
 }
-
 void AppViewModel::setIOSSelection(AppIconOption option)
 {
-    m_iOSSelection = option;
-    emit assetInputsChanged();
+    changeAssetInput(m_iOSSelection, option);
 }
-
 void AppViewModel::setWatchOSSelection(AppIconOption option)
 {
-    m_watchOSSelection = option;
-    emit assetInputsChanged();
+    changeAssetInput(m_watchOSSelection, option);
 }
-
 void AppViewModel::setMergeIOSWatchOS(bool value)
 {
-    m_mergeIOSWatchOS = value;
-    emit assetInputsChanged();
+    changeAssetInput(m_mergeIOSWatchOS, value);
+}
+void AppViewModel::setSetSize(bool value)
+{
+    changeAssetInput(m_setSize, value);
+}
+void AppViewModel::setWidth(qint64 value)
+{
+    changeAssetInput(m_width, value);
+}
+void AppViewModel::setHeight(qint64 value)
+{
+    changeAssetInput(m_height, value);
 }
 
 bool AppViewModel::isScaleSelected(AssetScale scale) const
 {
-    switch (scale) {
-    case AssetScale::x1:
-        return m_x1Selected;
-    case AssetScale::x2:
-        return m_x2Selected;
-    case AssetScale::x3:
-        return m_x3Selected;
-    }
-    Q_UNREACHABLE();
+    return m_scaleSelected[static_cast<std::size_t>(scale)];
 }
 
 void AppViewModel::setScaleSelected(AssetScale scale, bool value)
 {
-    switch (scale) {
-    case AssetScale::x1:
-        m_x1Selected = value;
-        break;
-    case AssetScale::x2:
-        m_x2Selected = value;
-        break;
-    case AssetScale::x3:
-        m_x3Selected = value;
-        break;
-    }
-    emit assetInputsChanged();
-}
-
-void AppViewModel::setSetSize(bool value)
-{
-    m_setSize = value;
-    emit assetInputsChanged();
-}
-
-void AppViewModel::setWidth(qint64 value)
-{
-    m_width = value;
-    emit assetInputsChanged();
-}
-
-void AppViewModel::setHeight(qint64 value)
-{
-    m_height = value;
-    emit assetInputsChanged();
+    changeAssetInput(m_scaleSelected[static_cast<std::size_t>(scale)], value);
 }
 
 QList<AssetScale> AppViewModel::selectedScales() const

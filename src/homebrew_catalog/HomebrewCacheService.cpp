@@ -35,6 +35,12 @@ HomebrewResult<QDateTime> decodeDate(simdjson::dom::element element, const char*
     return HomebrewCacheService::dateFromReferenceSeconds(seconds);
 }
 
+QByteArray dumped(const nlohmann::ordered_json& object)
+{
+    const std::string text = object.dump();
+    return QByteArray(text.data(), static_cast<qsizetype>(text.size()));
+}
+
 } // namespace
 
 HomebrewCacheService::HomebrewCacheService(QString rootPath)
@@ -241,8 +247,7 @@ QByteArray HomebrewCacheService::encodeMetadata(const Metadata& metadata)
         object["etag"] = utf8(*metadata.etag);
     if (metadata.lastModified)
         object["lastModified"] = utf8(*metadata.lastModified);
-    const std::string text = object.dump();
-    return QByteArray(text.data(), static_cast<qsizetype>(text.size()));
+    return dumped(object);
 }
 
 HomebrewResult<HomebrewCacheService::Metadata> HomebrewCacheService::decodeMetadata(const QByteArray& bytes)
@@ -275,8 +280,7 @@ QByteArray HomebrewCacheService::encodeRefreshState(const RefreshState& state)
         object["lastCheckDate"] = referenceSeconds(*state.lastCheckDate);
     if (state.lastSuccessfulRefreshDate)
         object["lastSuccessfulRefreshDate"] = referenceSeconds(*state.lastSuccessfulRefreshDate);
-    const std::string text = object.dump();
-    return QByteArray(text.data(), static_cast<qsizetype>(text.size()));
+    return dumped(object);
 }
 
 HomebrewResult<HomebrewCacheService::RefreshState> HomebrewCacheService::decodeRefreshState(const QByteArray& bytes)
