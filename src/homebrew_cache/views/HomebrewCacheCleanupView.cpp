@@ -15,7 +15,7 @@
 #include <QVBoxLayout>
 
 #include "core/views/FolderAuthorizationRequiredView.h"
-#include "core/views/ProgressPanel.h"
+#include "core/views/StatusPanels.h"
 #include "core/views/SymbolIcons.h"
 #include "core/views/ToastOverlay.h"
 #include "foundation/ByteCount.h"
@@ -73,15 +73,7 @@ HomebrewCacheCleanupView::HomebrewCacheCleanupView(HomebrewCacheCleanupStore& st
     titleBar->addWidget(m_rescan);
     layout->addLayout(titleBar);
 
-    m_errorLine->setObjectName(QStringLiteral("errorLine"));
-    auto* errorLayout = new QHBoxLayout(m_errorLine);
-    errorLayout->setContentsMargins(16, 4, 16, 4);
-    auto* errorIcon = new QLabel(m_errorLine);
-    errorIcon->setPixmap(symbolIcon(QStringLiteral("exclamationmark.triangle")).pixmap(16, 16));
-    m_errorLabel->setObjectName(QStringLiteral("errorLineLabel"));
-    m_errorLabel->setWordWrap(true);
-    errorLayout->addWidget(errorIcon);
-    errorLayout->addWidget(m_errorLabel, 1);
+    layOutErrorLine(m_errorLine, m_errorLabel);
     layout->addWidget(m_errorLine);
 
     m_failed->setObjectName(QStringLiteral("failedPanel"));

@@ -6,7 +6,7 @@
 #include <QVBoxLayout>
 
 #include "core/views/FolderAuthorizationRequiredView.h"
-#include "core/views/ProgressPanel.h"
+#include "core/views/StatusPanels.h"
 #include "homebrew_installed/HomebrewInstalledPackagesStore.h"
 #include "homebrew_installed/views/HomebrewInstalledPackageTable.h"
 #include "homebrew_installed/views/HomebrewInstalledUnavailablePanel.h"

@@ -10,6 +10,7 @@
 #include <QVBoxLayout>
 
 #include "core/views/KeyboardShortcuts.h"
+#include "core/views/StatusPanels.h"
 #include "core/views/SymbolIcons.h"
 #include "homebrew_catalog/HomebrewCatalogStore.h"
 #include "homebrew_catalog/views/HomebrewInstalledPackageDetailSections.h"
@@ -114,15 +115,7 @@ HomebrewInstalledPackagesView::HomebrewInstalledPackagesView(HomebrewInstalledPa
     auto* listLayout = new QVBoxLayout(m_listPage);
     listLayout->setContentsMargins(0, 0, 0, 0);
     listLayout->setSpacing(0);
-    m_errorLine->setObjectName(QStringLiteral("errorLine"));
-    auto* errorLayout = new QHBoxLayout(m_errorLine);
-    errorLayout->setContentsMargins(16, 4, 16, 4);
-    auto* errorIcon = new QLabel(m_errorLine);
-    errorIcon->setPixmap(symbolIcon(QStringLiteral("exclamationmark.triangle")).pixmap(16, 16));
-    m_errorLabel->setObjectName(QStringLiteral("errorLineLabel"));
-    m_errorLabel->setWordWrap(true);
-    errorLayout->addWidget(errorIcon);
-    errorLayout->addWidget(m_errorLabel, 1);
+    layOutErrorLine(m_errorLine, m_errorLabel);
     listLayout->addWidget(m_errorLine);
     listLayout->addWidget(m_content, 1);
     m_navigation->addWidget(m_listPage);

@@ -1,8 +1,11 @@
-#include "core/views/ProgressPanel.h"
+#include "core/views/StatusPanels.h"
 
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
 #include <QVBoxLayout>
+
+#include "core/views/SymbolIcons.h"
 
 namespace quillbay {
 
@@ -23,6 +26,19 @@ QWidget* makeProgressPanel(const QString& text, const QString& objectName, QWidg
     layout->addWidget(label);
     layout->addStretch();
     return panel;
+}
+
+void layOutErrorLine(QWidget* line, QLabel* label)
+{
+    line->setObjectName(QStringLiteral("errorLine"));
+    auto* layout = new QHBoxLayout(line);
+    layout->setContentsMargins(16, 4, 16, 4);
+    auto* icon = new QLabel(line);
+    icon->setPixmap(symbolIcon(QStringLiteral("exclamationmark.triangle")).pixmap(16, 16));
+    label->setObjectName(QStringLiteral("errorLineLabel"));
+    label->setWordWrap(true);
+    layout->addWidget(icon);
+    layout->addWidget(label, 1);
 }
 
 } // namespace quillbay
