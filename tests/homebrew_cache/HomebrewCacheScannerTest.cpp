@@ -15,9 +15,18 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-qint64 blocks(const QString& path)
+qint64 blocks(std::initializer_list<QString> paths)
 {
-    return TempTree::allocatedBytes(path);
+    qint64 total = 0;
+    for (const QString& path : paths)
+        total += TempTree::allocatedBytes(path);
+    return total;
+}
+
+// Everything in the cache but the two container folders themselves.
+qint64 cacheContentBytes(const CacheFixture& cache)
+{
+    return allocatedBytesBelow(cache.root()) - blocks({cache.path(u"downloads"_s), cache.path(u"Cask"_s)});
 }
 
 } // namespace
@@ -35,14 +44,12 @@ TEST(HomebrewCacheScannerTest, ParsesCacheNamesIntoPackageAndVersion)
         {"wget--1.24.5.arm64_sonoma.bottle.tar.gz", false, "wget", "1.24.5"},
         {"wget_bottle_manifest--1.24.5.bottle_manifest.json", false, "wget", "1.24.5"},
         {"wget--1.24.5.arm64_sonoma.bottle.1.tar.gz", false, "wget", "1.24.5"},
-        {"foo--2.0.all.bottle.tar.gz", false, "foo", "2.0"},
         {"python@3.12--3.12.1.x86_64_linux.bottle.tar.gz", false, "python@3.12", "3.12.1"},
         {"firefox--120.0.dmg", true, "firefox", "120.0"},
         // Casks keep "_bottle_manifest" in their token; only formula names lose it.
         {"odd_bottle_manifest--1.0.zip", true, "odd_bottle_manifest", "1.0"},
         {"_bottle_manifest--1.0.json", false, nullptr, nullptr},
         // The long ".incomplete" forms go whole; the short one alone would leave ".tar.gz".
-        {"git--2.43.0.tar.gz.incomplete", false, "git", "2.43.0"},
         {"git--2.43.0.arm64_sonoma.bottle.tar.gz.incomplete", false, "git", "2.43.0"},
         {"jq_bottle_manifest--1.7.1.bottle_manifest.json.incomplete", false, "jq", "1.7.1"},
         {"zstd--1.5.tar.zst.incomplete", false, "zstd", "1.5"},
@@ -54,17 +61,14 @@ TEST(HomebrewCacheScannerTest, ParsesCacheNamesIntoPackageAndVersion)
         {"m--1.0.all.arm64_sonoma", false, "m", "1.0.all"},
         {"m--1.0.arm64_a.arm64_b", false, "m", "1.0.arm64_a"},
         {"m--1.0.x86_64_linux.all", false, "m", "1.0"},
-        // Only the first and last parts count.
+        // Only the first and last parts count; separators are taken from the left.
         {"git--html--2.5.2.tar.xz", false, "git", "2.5.2"},
         {"git--git", false, "git", "git"},
-        {"fmt--12.1.0", false, "fmt", "12.1.0"},
-        // Separators are taken from the left: an odd dash stays with the next part.
         {"tri---1.0.tar.gz", false, "tri", "-1.0"},
         {"quad----2.0.tar.gz", false, "quad", "2.0"},
         {"edge--mid---3.0.zip", true, "edge", "-3.0"},
         // Not packages.
         {"portable-ruby-4.0.5_1.arm64_big_sur.bottle.tar.gz", false, nullptr, nullptr},
-        {".DS_Store", false, nullptr, nullptr},
         {"--1.0.tar.gz", false, nullptr, nullptr},
         {"foo--", false, nullptr, nullptr},
         {"foo--.tar.gz", false, nullptr, nullptr},
@@ -88,156 +92,144 @@ TEST(HomebrewCacheScannerTest, ParsesCacheNamesIntoPackageAndVersion)
 TEST(HomebrewCacheScannerTest, AcceptsOnlyTheExpectedRealFolder)
 {
     CacheFixture cache;
-    cache.tree().mkdir(QStringLiteral("home/Library/Caches/HomebrewX"));
-    cache.tree().writeFile(QStringLiteral("plain"), "x");
     const HomebrewCacheScanner scanner = cache.scanner();
-    const QString invalid = QStringLiteral("Choose the default Homebrew cache folder at ~/Library/Caches/Homebrew.");
-    const QString inaccessible = QStringLiteral("The selected Homebrew cache folder must be readable and writable.");
     struct Case
     {
         const char* label;
         QString root;
-        std::optional<HomebrewCacheScannerError> error;
+        bool valid;
     };
     const Case cases[] = {
-        {"the root", cache.root(), std::nullopt},
-        {"the root, unclean", cache.root() + QStringLiteral("/../Homebrew/./"), std::nullopt},
-        {"its parent", cache.tree().path(QStringLiteral("home/Library/Caches")),
-         HomebrewCacheScannerError::invalidRoot},
-        {"a child", cache.folder(QStringLiteral("downloads")), HomebrewCacheScannerError::invalidRoot},
-        {"a look-alike", cache.tree().path(QStringLiteral("home/Library/Caches/HomebrewX")),
-         HomebrewCacheScannerError::invalidRoot},
+        {"the root", cache.root(), true},
+        {"the root, unclean", cache.root() + u"/../Homebrew/./"_s, true},
+        {"its parent", cache.tree().path(u"home/Library/Caches"_s), false},
+        {"a child", cache.folder(u"downloads"_s), false},
+        {"a look-alike", cache.tree().mkdir(u"home/Library/Caches/HomebrewX"_s), false},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.label);
         const auto failure = scanner.validateRoot(c.root);
-        ASSERT_EQ(failure.has_value(), c.error.has_value());
+        ASSERT_EQ(failure.has_value(), !c.valid);
         if (failure) {
-            EXPECT_EQ(failure->error, c.error);
-            EXPECT_EQ(failure->description, invalid);
+            EXPECT_EQ(failure->error, HomebrewCacheScannerError::invalidRoot);
+            EXPECT_EQ(failure->description,
+                      u"Choose the default Homebrew cache folder at ~/Library/Caches/Homebrew."_s);
             const HomebrewCacheScanResult scanned = scanner.scan(c.root);
             ASSERT_TRUE(scanned.failure.has_value());
             EXPECT_TRUE(scanned.entries.empty());
         }
     }
 
-    // The expected path itself, but a link to a real cache or no folder at all.
-    CacheFixture linked;
-    linked.tree().mkdir(QStringLiteral("elsewhere"));
-    QDir(linked.root()).removeRecursively();
-    linked.tree().symlink(QStringLiteral("home/Library/Caches/Homebrew"),
-                          linked.tree().path(QStringLiteral("elsewhere")));
-    auto failure = linked.scanner().validateRoot(linked.root());
-    ASSERT_TRUE(failure.has_value());
-    EXPECT_EQ(failure->error, HomebrewCacheScannerError::rootIsNotAccessible);
-    EXPECT_EQ(failure->description, inaccessible);
-
-    QFile::remove(linked.root());
-    linked.tree().writeFile(QStringLiteral("home/Library/Caches/Homebrew"), "not a folder");
-    failure = linked.scanner().validateRoot(linked.root());
-    ASSERT_TRUE(failure.has_value());
-    EXPECT_EQ(failure->error, HomebrewCacheScannerError::rootIsNotAccessible);
-
-    QFile::remove(linked.root());
-    failure = linked.scanner().validateRoot(linked.root());
-    ASSERT_TRUE(failure.has_value());
-    EXPECT_EQ(failure->error, HomebrewCacheScannerError::rootIsNotAccessible);
+    // The expected path itself, but a link to a real folder, a file, or nothing at all.
+    QDir(cache.root()).removeRecursively();
+    const QString homebrew = u"home/Library/Caches/Homebrew"_s;
+    const std::function<void()> replacements[] = {
+        [&] { cache.tree().symlink(homebrew, cache.tree().mkdir(u"elsewhere"_s)); },
+        [&] { cache.tree().writeFile(homebrew, "not a folder"); },
+        [] {},
+    };
+    for (const auto& replace : replacements) {
+        QFile::remove(cache.root());
+        replace();
+        const auto failure = scanner.validateRoot(cache.root());
+        ASSERT_TRUE(failure.has_value());
+        EXPECT_EQ(failure->error, HomebrewCacheScannerError::rootIsNotAccessible);
+        EXPECT_EQ(failure->description, u"The selected Homebrew cache folder must be readable and writable."_s);
+    }
 }
 
-TEST(HomebrewCacheScannerTest, EmptyCacheYieldsNoEntriesAndNoOutline)
+TEST(HomebrewCacheScannerTest, NothingToFindIsNoProblem)
 {
     CacheFixture cache;
-    const auto entries = cache.scan();
-    EXPECT_TRUE(entries.empty());
-    EXPECT_TRUE(HomebrewCacheScanner::makeOutline(entries).empty());
-    // Empty containers belong to nobody either.
-    cache.folder(QStringLiteral("downloads"));
-    cache.folder(QStringLiteral("Cask"));
     EXPECT_TRUE(cache.scan().empty());
+    EXPECT_TRUE(HomebrewCacheScanner::makeOutline({}).empty());
+    // Empty containers belong to nobody.
+    cache.folder(u"downloads"_s);
+    cache.folder(u"Cask"_s);
+    EXPECT_TRUE(cache.scan().empty());
+    // A path that vanished has no size and an issue; an empty list has neither.
+    HomebrewCacheFileSystem::VisitedSet visited;
+    const auto gone = HomebrewCacheFileSystem::measure(QStringList {cache.path(u"gone"_s)}, visited);
+    EXPECT_EQ(gone.allocatedSize, 0);
+    EXPECT_TRUE(gone.hasIssue);
+    const auto none = HomebrewCacheFileSystem::measure(QStringList {}, visited);
+    EXPECT_EQ(none.allocatedSize, 0);
+    EXPECT_FALSE(none.hasIssue);
 }
 
 TEST(HomebrewCacheScannerTest, SortsLinksIntoPackagesSharedAndUnrecognized)
 {
     CacheFixture cache;
     // wget: a relative bottle link and an absolute manifest link merge into one entry.
-    const QString bottle = cache.file(QStringLiteral("downloads/aa11--wget--1.0.arm64_sonoma.bottle.tar.gz"), 40960);
-    const QString manifest = cache.file(QStringLiteral("downloads/bb22--wget_bottle_manifest--1.0.json"), 4096);
-    const QString wgetLink = cache.link(QStringLiteral("wget--1.0.arm64_sonoma.bottle.tar.gz"),
-                                        QStringLiteral("downloads/aa11--wget--1.0.arm64_sonoma.bottle.tar.gz"));
-    const QString manifestLink = cache.link(QStringLiteral("wget_bottle_manifest--1.0.bottle_manifest.json"), manifest);
+    const QString bottle = cache.file(u"downloads/aa11--wget--1.0.arm64_sonoma.bottle.tar.gz"_s, 40960);
+    const QString manifest = cache.file(u"downloads/bb22--wget_bottle_manifest--1.0.json"_s);
+    const QString wgetLink = cache.link(u"wget--1.0.arm64_sonoma.bottle.tar.gz"_s,
+                                        u"downloads/aa11--wget--1.0.arm64_sonoma.bottle.tar.gz"_s);
+    const QString manifestLink = cache.link(u"wget_bottle_manifest--1.0.bottle_manifest.json"_s, manifest);
     // firefox as a cask (link from Cask/ with ../) and as a formula of the same name.
-    const QString dmg = cache.file(QStringLiteral("downloads/cc33--Firefox 120.0.dmg"), 81920);
-    const QString caskLink
-        = cache.link(QStringLiteral("Cask/firefox--120.0.dmg"), QStringLiteral("../downloads/cc33--Firefox 120.0.dmg"));
-    const QString formulaFile = cache.file(QStringLiteral("firefox--120.0.tar.gz"), 8192);
+    const QString dmg = cache.file(u"downloads/cc33--Firefox 120.0.dmg"_s, 81920);
+    const QString caskLink = cache.link(u"Cask/firefox--120.0.dmg"_s, u"../downloads/cc33--Firefox 120.0.dmg"_s);
+    const QString formulaFile = cache.file(u"firefox--120.0.tar.gz"_s, 8192);
     // Two versions of node point at one download: it belongs to neither.
-    const QString shared = cache.file(QStringLiteral("downloads/dd44--node.tar.gz"), 12288);
-    const QString node1 = cache.link(QStringLiteral("node--1.0.tar.gz"), QStringLiteral("downloads/dd44--node.tar.gz"));
-    const QString node2 = cache.link(QStringLiteral("node--1.1.tar.gz"), shared);
-    // Suspect links: dangling, out of the cache, into Cask/, and through a link in downloads/.
-    const QString dangling = cache.link(QStringLiteral("curl--8.0.tar.gz"), QStringLiteral("downloads/missing"));
-    const QString secret = cache.outsideFile(QStringLiteral("secret.tar.gz"), 65536);
-    const QString outLink = cache.link(QStringLiteral("jq--1.7.tar.gz"), secret);
-    const QString caskTarget = cache.file(QStringLiteral("Cask/zsh-blob"), 4096);
-    const QString intoCask = cache.link(QStringLiteral("zsh--5.9.tar.gz"), QStringLiteral("Cask/zsh-blob"));
-    const QString relay = cache.link(QStringLiteral("downloads/ee55--relay"), secret);
-    const QString viaRelay = cache.link(QStringLiteral("evil--1.0.tar.gz"), QStringLiteral("downloads/ee55--relay"));
-    const QString sibling = cache.file(QStringLiteral("downloads-old/ff66--x"), 4096);
-    const QString toSibling = cache.link(QStringLiteral("sib--1.0.tar.gz"), QStringLiteral("downloads-old/ff66--x"));
+    const QString shared = cache.file(u"downloads/dd44--node.tar.gz"_s, 12288);
+    const QString node1 = cache.link(u"node--1.0.tar.gz"_s, u"downloads/dd44--node.tar.gz"_s);
+    const QString node2 = cache.link(u"node--1.1.tar.gz"_s, shared);
+    // Suspect links: dangling, out of the cache, into Cask/, through a link in downloads/,
+    // into a look-alike of downloads/.
+    const QString dangling = cache.link(u"curl--8.0.tar.gz"_s, u"downloads/missing"_s);
+    const QString secret = cache.outsideFile(u"secret.tar.gz"_s, 65536);
+    const QString outLink = cache.link(u"jq--1.7.tar.gz"_s, secret);
+    const QString caskTarget = cache.file(u"Cask/zsh-blob"_s);
+    const QString intoCask = cache.link(u"zsh--5.9.tar.gz"_s, u"Cask/zsh-blob"_s);
+    const QString relay = cache.link(u"downloads/ee55--relay"_s, secret);
+    const QString viaRelay = cache.link(u"evil--1.0.tar.gz"_s, u"downloads/ee55--relay"_s);
+    cache.file(u"downloads-old/ff66--x"_s);
+    const QString toSibling = cache.link(u"sib--1.0.tar.gz"_s, u"downloads-old/ff66--x"_s);
     // Left-overs and unrecognized items.
-    const QString stray = cache.file(QStringLiteral("downloads/0123abcd--stray.zip"), 4096);
-    const QString hidden = cache.file(QStringLiteral("downloads/.hidden"), 4096);
-    const QString caskStray = cache.file(QStringLiteral("Cask/no-version.zip"), 4096);
-    const QString api = cache.file(QStringLiteral("api/formula.jws.json"), 20480);
-    const QString dsStore = cache.file(QStringLiteral(".DS_Store"), 4096);
-    const QString legacy = cache.file(QStringLiteral("foo--.tar.gz"), 4096);
+    const QString stray = cache.file(u"downloads/0123abcd--stray.zip"_s);
+    const QString hidden = cache.file(u"downloads/.hidden"_s);
+    const QString caskStray = cache.file(u"Cask/no-version.zip"_s);
+    for (const QString& name : {u"api/formula.jws.json"_s, u".DS_Store"_s, u"foo--.tar.gz"_s})
+        cache.file(name);
 
     const auto entries = cache.scan();
-    const QString root = cache.root();
+    const QStringList ids = entryIds(entries);
     const QStringList expectedOrder {
-        QStringLiteral("package:cask:firefox:120.0"), QStringLiteral("package:formula:curl:8.0"),
-        QStringLiteral("package:formula:evil:1.0"),   QStringLiteral("package:formula:firefox:120.0"),
-        QStringLiteral("package:formula:jq:1.7"),     QStringLiteral("package:formula:node:1.0"),
-        QStringLiteral("package:formula:node:1.1"),   QStringLiteral("package:formula:sib:1.0"),
-        QStringLiteral("package:formula:wget:1.0"),   QStringLiteral("package:formula:zsh:5.9"),
-        QStringLiteral("other:shared-downloads"),     QStringLiteral("other:unrecognized-downloads"),
-        QStringLiteral("other:unrecognized-cask"),
+        u"package:cask:firefox:120.0"_s,    u"package:formula:curl:8.0"_s, u"package:formula:evil:1.0"_s,
+        u"package:formula:firefox:120.0"_s, u"package:formula:jq:1.7"_s,   u"package:formula:node:1.0"_s,
+        u"package:formula:node:1.1"_s,      u"package:formula:sib:1.0"_s,  u"package:formula:wget:1.0"_s,
+        u"package:formula:zsh:5.9"_s,       u"other:shared-downloads"_s,   u"other:unrecognized-downloads"_s,
+        u"other:unrecognized-cask"_s,
     };
-    QStringList ids = entryIds(entries);
     ASSERT_GE(ids.size(), expectedOrder.size());
     EXPECT_EQ(ids.mid(0, expectedOrder.size()), expectedOrder);
     // Left-overs follow in listing order, which the system decides.
-    EXPECT_EQ(pathSet(ids.mid(expectedOrder.size())),
-              (QSet<QString> {QStringLiteral("other:path:") + root + QStringLiteral("/api"),
-                              QStringLiteral("other:path:") + root + QStringLiteral("/.DS_Store"),
-                              QStringLiteral("other:path:") + root + QStringLiteral("/foo--.tar.gz"),
-                              QStringLiteral("other:path:") + root + QStringLiteral("/downloads-old")}));
+    QSet<QString> leftOvers;
+    for (const char* name : {"api", ".DS_Store", "foo--.tar.gz", "downloads-old"})
+        leftOvers << u"other:path:"_s + cache.path(QLatin1String(name));
+    EXPECT_EQ(pathSet(ids.mid(expectedOrder.size())), leftOvers);
 
     struct Expectation
     {
         const char* id;
         QStringList paths;
         bool hasIssue;
-        qint64 size;
     };
     const Expectation expectations[] = {
-        {"package:formula:wget:1.0",
-         {wgetLink, bottle, manifestLink, manifest},
-         false,
-         blocks(wgetLink) + blocks(bottle) + blocks(manifestLink) + blocks(manifest)},
-        {"package:cask:firefox:120.0", {caskLink, dmg}, false, blocks(caskLink) + blocks(dmg)},
-        {"package:formula:firefox:120.0", {formulaFile}, false, blocks(formulaFile)},
-        {"package:formula:node:1.0", {node1}, false, blocks(node1)},
-        {"package:formula:node:1.1", {node2}, false, blocks(node2)},
-        {"other:shared-downloads", {root + QStringLiteral("/downloads/dd44--node.tar.gz")}, false, blocks(shared)},
-        {"package:formula:curl:8.0", {dangling}, true, blocks(dangling)},
-        {"package:formula:jq:1.7", {outLink}, true, blocks(outLink)},
-        {"package:formula:zsh:5.9", {intoCask}, true, blocks(intoCask)},
-        {"package:formula:evil:1.0", {viaRelay}, true, blocks(viaRelay)},
-        {"package:formula:sib:1.0", {toSibling}, true, blocks(toSibling)},
-        {"other:unrecognized-downloads", {stray, hidden, relay}, false, blocks(stray) + blocks(hidden) + blocks(relay)},
+        {"package:formula:wget:1.0", {wgetLink, bottle, manifestLink, manifest}, false},
+        {"package:cask:firefox:120.0", {caskLink, dmg}, false},
+        {"package:formula:firefox:120.0", {formulaFile}, false},
+        {"package:formula:node:1.0", {node1}, false},
+        {"package:formula:node:1.1", {node2}, false},
+        {"other:shared-downloads", {cache.root() + u"/downloads/dd44--node.tar.gz"_s}, false},
+        {"package:formula:curl:8.0", {dangling}, true},
+        {"package:formula:jq:1.7", {outLink}, true},
+        {"package:formula:zsh:5.9", {intoCask}, true},
+        {"package:formula:evil:1.0", {viaRelay}, true},
+        {"package:formula:sib:1.0", {toSibling}, true},
+        {"other:unrecognized-downloads", {stray, hidden, relay}, false},
         // Cask/zsh-blob has no version: unrecognized, though a formula link points at it.
-        {"other:unrecognized-cask", {caskStray, caskTarget}, false, blocks(caskStray) + blocks(caskTarget)},
+        {"other:unrecognized-cask", {caskStray, caskTarget}, false},
     };
     for (const Expectation& e : expectations) {
         SCOPED_TRACE(e.id);
@@ -246,127 +238,106 @@ TEST(HomebrewCacheScannerTest, SortsLinksIntoPackagesSharedAndUnrecognized)
         EXPECT_EQ(pathSet(entry->paths), pathSet(e.paths));
         EXPECT_EQ(entry->paths.size(), e.paths.size()) << "no path twice";
         EXPECT_EQ(entry->hasIssue, e.hasIssue);
-        EXPECT_EQ(entry->allocatedSize, e.size);
+        qint64 size = 0;
+        for (const QString& path : e.paths)
+            size += TempTree::allocatedBytes(path);
+        EXPECT_EQ(entry->allocatedSize, size);
         EXPECT_FALSE(entry->isIncomplete);
     }
-    const HomebrewCacheEntry* wget = findEntry(entries, QStringLiteral("package:formula:wget:1.0"));
-    EXPECT_EQ(wget->category, HomebrewCacheCategory::formula);
-    EXPECT_EQ(wget->packageIdentifier, QStringLiteral("wget"));
-    EXPECT_EQ(wget->version, QStringLiteral("1.0"));
-    EXPECT_EQ(wget->displayName, QStringLiteral("wget"));
-    const HomebrewCacheEntry* sharedEntry = findEntry(entries, QStringLiteral("other:shared-downloads"));
-    EXPECT_EQ(sharedEntry->displayName, QStringLiteral("Shared Downloads"));
+    const HomebrewCacheEntry* wget = findEntry(entries, u"package:formula:wget:1.0"_s);
+    EXPECT_EQ(std::tuple(wget->category, wget->packageIdentifier, wget->version, wget->displayName),
+              std::tuple(HomebrewCacheCategory::formula, std::optional(u"wget"_s), std::optional(u"1.0"_s), u"wget"_s));
+    const HomebrewCacheEntry* sharedEntry = findEntry(entries, u"other:shared-downloads"_s);
+    EXPECT_EQ(sharedEntry->displayName, u"Shared Downloads"_s);
     EXPECT_FALSE(sharedEntry->packageIdentifier.has_value());
-    EXPECT_EQ(findEntry(entries, QStringLiteral("package:cask:firefox:120.0"))->category, HomebrewCacheCategory::cask);
-    EXPECT_EQ(findEntry(entries, QStringLiteral("other:path:") + root + QStringLiteral("/.DS_Store"))->displayName,
-              QStringLiteral(".DS_Store"));
+    EXPECT_EQ(findEntry(entries, u"package:cask:firefox:120.0"_s)->category, HomebrewCacheCategory::cask);
 
-    // Nothing outside the cache is ever an entry's path, and every byte in it is counted once.
+    // Nothing outside the cache is ever an entry's path, and every byte in it counts once.
     qint64 total = 0;
     for (const HomebrewCacheEntry& entry : entries) {
         for (const QString& path : entry.paths)
             EXPECT_FALSE(path.startsWith(cache.outside(QString()))) << qPrintable(path);
         total += entry.allocatedSize.value_or(0);
     }
-    const qint64 containers = blocks(root + QStringLiteral("/downloads")) + blocks(root + QStringLiteral("/Cask"));
-    EXPECT_EQ(total, allocatedBytesBelow(root) - containers);
+    EXPECT_EQ(total, cacheContentBytes(cache));
 }
 
-TEST(HomebrewCacheScannerTest, CountsHardLinksAndRepeatedItemsOnce)
+TEST(HomebrewCacheScannerTest, CountsHardLinksOnceAndMarksIncompleteDownloads)
 {
     CacheFixture cache;
-    const QString download = cache.file(QStringLiteral("downloads/aa--pkg--1.0.tar.gz"), 65536);
-    cache.link(QStringLiteral("pkg--1.0.tar.gz"), QStringLiteral("downloads/aa--pkg--1.0.tar.gz"));
+    const QString download = cache.file(u"downloads/aa--pkg--1.0.tar.gz"_s, 65536);
+    const QString link = cache.link(u"pkg--1.0.tar.gz"_s, u"downloads/aa--pkg--1.0.tar.gz"_s);
     // A second name for the same file, unclaimed, and one deep in a left-over folder.
-    cache.hardlink(QStringLiteral("downloads/zz--copy"), QStringLiteral("downloads/aa--pkg--1.0.tar.gz"));
-    cache.folder(QStringLiteral("left/over"));
-    cache.hardlink(QStringLiteral("left/over/again"), QStringLiteral("downloads/aa--pkg--1.0.tar.gz"));
-    const QString own = cache.file(QStringLiteral("left/own"), 8192);
-
-    const auto entries = cache.scan();
-    const HomebrewCacheEntry* package = findEntry(entries, QStringLiteral("package:formula:pkg:1.0"));
-    const HomebrewCacheEntry* unrecognized = findEntry(entries, QStringLiteral("other:unrecognized-downloads"));
-    const HomebrewCacheEntry* left
-        = findEntry(entries, QStringLiteral("other:path:") + cache.path(QStringLiteral("left")));
-    ASSERT_TRUE(package && unrecognized && left);
-    EXPECT_EQ(package->allocatedSize, blocks(download) + blocks(cache.path(QStringLiteral("pkg--1.0.tar.gz"))));
-    // The hard link was counted with the package; what is left of it here is nothing.
-    EXPECT_EQ(unrecognized->allocatedSize, 0);
-    EXPECT_FALSE(unrecognized->hasIssue);
-    EXPECT_EQ(left->allocatedSize,
-              blocks(cache.path(QStringLiteral("left"))) + blocks(cache.path(QStringLiteral("left/over")))
-                  + blocks(own));
-}
-
-TEST(HomebrewCacheScannerTest, MarksIncompleteDownloadsWhereverTheyLie)
-{
-    CacheFixture cache;
-    // Directly in the paths.
-    cache.file(QStringLiteral("downloads/aa--git--2.0.tar.gz.incomplete"), 8192);
-    cache.link(QStringLiteral("git--2.0.tar.gz.incomplete"),
-               QStringLiteral("downloads/aa--git--2.0.tar.gz.incomplete"));
-    // Deep in a measured folder.
-    cache.file(QStringLiteral("partial/deeper/x.zip.incomplete"), 4096);
-    // Hard link to an incomplete file counted earlier by a package entry: still incomplete.
-    cache.file(QStringLiteral("downloads/bb--vim--9.0.tar.gz"), 8192);
-    cache.link(QStringLiteral("vim--9.0.tar.gz"), QStringLiteral("downloads/bb--vim--9.0.tar.gz"));
-    cache.hardlink(QStringLiteral("downloads/cc--late.incomplete"),
-                   QStringLiteral("downloads/aa--git--2.0.tar.gz.incomplete"));
+    cache.hardlink(u"downloads/zz--copy"_s, u"downloads/aa--pkg--1.0.tar.gz"_s);
+    cache.folder(u"left/over"_s);
+    cache.hardlink(u"left/over/again"_s, u"downloads/aa--pkg--1.0.tar.gz"_s);
+    const QString own = cache.file(u"left/own"_s, 8192);
+    // Incomplete: directly in the paths, deep in a measured folder, and a hard link to an
+    // incomplete file a package entry counted first.
+    cache.file(u"downloads/bb--git--2.0.tar.gz.incomplete"_s, 8192);
+    cache.link(u"git--2.0.tar.gz.incomplete"_s, u"downloads/bb--git--2.0.tar.gz.incomplete"_s);
+    cache.file(u"partial/deeper/x.zip.incomplete"_s);
+    cache.hardlink(u"downloads/cc--late.incomplete"_s, u"downloads/bb--git--2.0.tar.gz.incomplete"_s);
 
     const auto entries = cache.scan();
     struct Case
     {
         QString id;
+        qint64 size;
         bool incomplete;
     };
     const Case cases[] = {
-        {QStringLiteral("package:formula:git:2.0"), true},
-        {QStringLiteral("package:formula:vim:9.0"), false},
-        {QStringLiteral("other:path:") + cache.path(QStringLiteral("partial")), true},
-        {QStringLiteral("other:unrecognized-downloads"), true},
+        {u"package:formula:pkg:1.0"_s, blocks({download, link}), false},
+        // What the package counted is nothing here.
+        {u"other:unrecognized-downloads"_s, 0, true},
+        {u"other:path:"_s + cache.path(u"left"_s), blocks({cache.path(u"left"_s), cache.path(u"left/over"_s), own}),
+         false},
+        {u"package:formula:git:2.0"_s, -1, true},
+        {u"other:path:"_s + cache.path(u"partial"_s), -1, true},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(qPrintable(c.id));
         const HomebrewCacheEntry* entry = findEntry(entries, c.id);
         ASSERT_NE(entry, nullptr);
+        EXPECT_FALSE(entry->hasIssue);
         EXPECT_EQ(entry->isIncomplete, c.incomplete);
+        if (c.size >= 0) {
+            EXPECT_EQ(entry->allocatedSize, c.size);
+        }
     }
-    EXPECT_EQ(findEntry(entries, QStringLiteral("other:unrecognized-downloads"))->allocatedSize, 0);
 }
 
 TEST(HomebrewCacheScannerTest, ContainersThatAreLinksOrFilesAreNotWalked)
 {
     CacheFixture cache;
-    cache.outsideFile(QStringLiteral("real-downloads/aa--wget--1.0.tar.gz"), 409600);
-    cache.link(QStringLiteral("downloads"), cache.outside(QStringLiteral("real-downloads")));
-    cache.link(QStringLiteral("wget--1.0.tar.gz"), QStringLiteral("downloads/aa--wget--1.0.tar.gz"));
-    cache.file(QStringLiteral("Cask"), 4096);
+    cache.outsideFile(u"real-downloads/aa--wget--1.0.tar.gz"_s, 409600);
+    cache.link(u"downloads"_s, cache.outside(u"real-downloads"_s));
+    cache.link(u"wget--1.0.tar.gz"_s, u"downloads/aa--wget--1.0.tar.gz"_s);
+    cache.file(u"Cask"_s);
 
     const auto entries = cache.scan();
-    const QString downloadsId = QStringLiteral("other:path:") + cache.path(QStringLiteral("downloads"));
-    const QString caskId = QStringLiteral("other:path:") + cache.path(QStringLiteral("Cask"));
+    const QString downloadsId = u"other:path:"_s + cache.path(u"downloads"_s);
     EXPECT_EQ(pathSet(entryIds(entries)),
-              (QSet<QString> {QStringLiteral("package:formula:wget:1.0"), downloadsId, caskId}));
+              (QSet<QString> {u"package:formula:wget:1.0"_s, downloadsId, u"other:path:"_s + cache.path(u"Cask"_s)}));
     // The link leads through a link out of the cache: suspect, and the download is not its.
-    const HomebrewCacheEntry* wget = findEntry(entries, QStringLiteral("package:formula:wget:1.0"));
+    const HomebrewCacheEntry* wget = findEntry(entries, u"package:formula:wget:1.0"_s);
     EXPECT_TRUE(wget->hasIssue);
-    EXPECT_EQ(wget->paths, QStringList {cache.path(QStringLiteral("wget--1.0.tar.gz"))});
+    EXPECT_EQ(wget->paths, QStringList {cache.path(u"wget--1.0.tar.gz"_s)});
     const HomebrewCacheEntry* downloads = findEntry(entries, downloadsId);
-    EXPECT_EQ(downloads->displayName, QStringLiteral("downloads"));
-    EXPECT_EQ(downloads->allocatedSize, blocks(cache.path(QStringLiteral("downloads"))));
+    EXPECT_EQ(downloads->displayName, u"downloads"_s);
+    EXPECT_EQ(downloads->allocatedSize, blocks({cache.path(u"downloads"_s)}));
     EXPECT_LT(*downloads->allocatedSize, 409600) << "the foreign folder is not measured";
 }
 
 TEST(HomebrewCacheScannerTest, UnreadableFoldersDegradeToIssuesNotFailures)
 {
     CacheFixture cache;
-    cache.file(QStringLiteral("downloads/aa--wget--1.0.tar.gz"), 8192);
-    cache.link(QStringLiteral("wget--1.0.tar.gz"), QStringLiteral("downloads/aa--wget--1.0.tar.gz"));
-    cache.file(QStringLiteral("Cask/firefox--1.0.dmg"), 4096);
-    cache.file(QStringLiteral("locked/inside"), 65536);
-    cache.tree().chmod(QStringLiteral("home/Library/Caches/Homebrew/downloads"), 0);
-    cache.tree().chmod(QStringLiteral("home/Library/Caches/Homebrew/Cask"), 0);
-    cache.tree().chmod(QStringLiteral("home/Library/Caches/Homebrew/locked"), 0);
+    cache.file(u"downloads/aa--wget--1.0.tar.gz"_s, 8192);
+    cache.link(u"wget--1.0.tar.gz"_s, u"downloads/aa--wget--1.0.tar.gz"_s);
+    cache.file(u"Cask/firefox--1.0.dmg"_s);
+    cache.file(u"locked/inside"_s, 65536);
+    for (const char* folder : {"downloads", "Cask", "locked"})
+        cache.tree().chmod(u"home/Library/Caches/Homebrew/"_s + QLatin1String(folder), 0);
 
     const PermissionsApply permissions;
     if (!permissions.active())
@@ -374,123 +345,95 @@ TEST(HomebrewCacheScannerTest, UnreadableFoldersDegradeToIssuesNotFailures)
     const auto entries = cache.scan();
 
     // The link's target can't be checked through a closed folder: suspect, link only.
-    const HomebrewCacheEntry* wget = findEntry(entries, QStringLiteral("package:formula:wget:1.0"));
+    const HomebrewCacheEntry* wget = findEntry(entries, u"package:formula:wget:1.0"_s);
     ASSERT_NE(wget, nullptr);
     EXPECT_TRUE(wget->hasIssue);
     EXPECT_EQ(wget->paths.size(), 1);
-
-    struct Case
-    {
-        QString id;
-        QString path;
+    const std::pair<QString, const char*> cases[] = {
+        {u"other:unrecognized-downloads"_s, "downloads"},
+        {u"other:unrecognized-cask"_s, "Cask"},
+        {u"other:path:"_s + cache.path(u"locked"_s), "locked"},
     };
-    const Case cases[] = {
-        {QStringLiteral("other:unrecognized-downloads"), cache.path(QStringLiteral("downloads"))},
-        {QStringLiteral("other:unrecognized-cask"), cache.path(QStringLiteral("Cask"))},
-        {QStringLiteral("other:path:") + cache.path(QStringLiteral("locked")), cache.path(QStringLiteral("locked"))},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(qPrintable(c.id));
-        const HomebrewCacheEntry* entry = findEntry(entries, c.id);
+    for (const auto& [id, folder] : cases) {
+        SCOPED_TRACE(qPrintable(id));
+        const QString path = cache.path(QLatin1String(folder));
+        const HomebrewCacheEntry* entry = findEntry(entries, id);
         ASSERT_NE(entry, nullptr);
-        EXPECT_EQ(entry->paths, QStringList {c.path});
+        EXPECT_EQ(entry->paths, QStringList {path});
         EXPECT_TRUE(entry->hasIssue);
         // The folder's own blocks are known, so the size is present though incomplete.
-        EXPECT_EQ(entry->allocatedSize, blocks(c.path));
+        EXPECT_EQ(entry->allocatedSize, blocks({path}));
     }
-}
-
-TEST(HomebrewCacheScannerTest, VanishedItemsHaveNoSizeAndAnIssue)
-{
-    CacheFixture cache;
-    HomebrewCacheFileSystem::VisitedSet visited;
-    const auto gone = HomebrewCacheFileSystem::measure(QStringList {cache.path(QStringLiteral("gone"))}, visited);
-    EXPECT_EQ(gone.allocatedSize, 0);
-    EXPECT_TRUE(gone.hasIssue);
-    // An empty list is no problem at all.
-    const auto none = HomebrewCacheFileSystem::measure(QStringList {}, visited);
-    EXPECT_EQ(none.allocatedSize, 0);
-    EXPECT_FALSE(none.hasIssue);
 }
 
 TEST(HomebrewCacheScannerTest, RealCacheNamesParseAsHomebrewMeansThem)
 {
     QUILLBAY_REQUIRE_SHARED_DATA(shared);
-    QFile list(shared + QStringLiteral("/names/homebrew-cache-names.txt"));
+    QFile list(shared + u"/names/homebrew-cache-names.txt"_s);
     ASSERT_TRUE(list.open(QIODevice::ReadOnly));
     CacheFixture cache;
     QStringList lines;
     for (const QByteArray& raw : list.readAll().split('\n')) {
         const QString line = QString::fromUtf8(raw).trimmed();
-        if (line.isEmpty() || line.startsWith(QLatin1Char('#')))
-            continue;
-        lines << line;
-        cache.file(line, 4096);
+        if (!line.isEmpty() && !line.startsWith(QLatin1Char('#'))) {
+            lines << line;
+            cache.file(line);
+        }
     }
     ASSERT_GT(lines.size(), 60);
     // Homebrew's own links for two of the downloads, named as it names them.
-    cache.link(
-        QStringLiteral("automake--1.16.5.arm64_ventura.bottle.tar.gz"),
-        QStringLiteral("downloads/cbd9fb298ac58ddd98b7d9b90bf3c2957d0feca6f850d40c33fe3ce714ec5ada--automake--1.16.5."
-                       "arm64_ventura.bottle.tar.gz"));
-    cache.link(QStringLiteral("Cask/firefox@beta--86.0b3.dmg"),
-               QStringLiteral("../downloads/382608000536d61f64e4a147e764c559ce144c3f04dd0f05209549d3bf118f1a--Firefox "
-                              "86.0b3.dmg"));
+    const QString automake = u"downloads/cbd9fb298ac58ddd98b7d9b90bf3c2957d0feca6f850d40c33fe3ce714ec5ada--automake--"
+                             u"1.16.5.arm64_ventura.bottle.tar.gz"_s;
+    const QString firefox
+        = u"downloads/382608000536d61f64e4a147e764c559ce144c3f04dd0f05209549d3bf118f1a--Firefox 86.0b3.dmg"_s;
+    cache.link(u"automake--1.16.5.arm64_ventura.bottle.tar.gz"_s, automake);
+    cache.link(u"Cask/firefox@beta--86.0b3.dmg"_s, u"../"_s + firefox);
 
     const auto entries = cache.scan();
-    struct Case
-    {
-        const char* id;
-        const char* relativePath;
-    };
     // Top-level names with "--" are formula links; Cask/ names are cask links; downloads
     // belong to the package whose link points there and are otherwise unrecognized.
-    const Case cases[] = {
-        {"package:formula:fmt:12.1.0", "fmt--12.1.0"},
-        {"package:cask:claude:2.1.187", "Cask/claude--2.1.187"},
-        {"package:cask:copilot-darwin-arm64.tar.gz:1.0.34", "Cask/copilot-darwin-arm64.tar.gz--1.0.34.tar.gz"},
-        {"package:cask:emacs:25.3", "Cask/emacs--25.3.dmg"},
-        {"package:cask:piposs:1.0.3", "Cask/piposs--1.0.3.zip"},
-        {"package:cask:BlackHole2ch-0.6.1.pkg:0.6.1", "Cask/BlackHole2ch-0.6.1.pkg--0.6.1.pkg"},
-        {"package:formula:git:git", "git--git"},
-        {"package:formula:git:html-2.5.2", "git--html-2.5.2.tar.xz"},
-        {"package:formula:git:man-2.5.2", "git--man-2.5.2.tar.xz"},
-        {"package:formula:valgrind:git", "valgrind--git"},
+    const std::pair<const char*, QString> cases[] = {
+        {"package:formula:fmt:12.1.0", u"fmt--12.1.0"_s},
+        {"package:cask:claude:2.1.187", u"Cask/claude--2.1.187"_s},
+        {"package:cask:copilot-darwin-arm64.tar.gz:1.0.34", u"Cask/copilot-darwin-arm64.tar.gz--1.0.34.tar.gz"_s},
+        {"package:cask:emacs:25.3", u"Cask/emacs--25.3.dmg"_s},
+        {"package:cask:piposs:1.0.3", u"Cask/piposs--1.0.3.zip"_s},
+        {"package:cask:BlackHole2ch-0.6.1.pkg:0.6.1", u"Cask/BlackHole2ch-0.6.1.pkg--0.6.1.pkg"_s},
+        {"package:formula:git:git", u"git--git"_s},
+        {"package:formula:git:html-2.5.2", u"git--html-2.5.2.tar.xz"_s},
+        {"package:formula:git:man-2.5.2", u"git--man-2.5.2.tar.xz"_s},
+        {"package:formula:valgrind:git", u"valgrind--git"_s},
         {"package:formula:openni2:patch-e0be30b6b9296939306155580df1ac7912d3f949.patch",
-         "openni2--patch-e0be30b6b9296939306155580df1ac7912d3f949.patch"},
-        {"package:formula:automake:1.16.5", "automake--1.16.5.arm64_ventura.bottle.tar.gz"},
-        {"package:formula:automake:1.16.5",
-         "downloads/cbd9fb298ac58ddd98b7d9b90bf3c2957d0feca6f850d40c33fe3ce714ec5ada--automake--1.16.5.arm64_ventura."
-         "bottle.tar.gz"},
-        {"package:cask:firefox@beta:86.0b3",
-         "downloads/382608000536d61f64e4a147e764c559ce144c3f04dd0f05209549d3bf118f1a--Firefox 86.0b3.dmg"},
+         u"openni2--patch-e0be30b6b9296939306155580df1ac7912d3f949.patch"_s},
+        {"package:formula:automake:1.16.5", u"automake--1.16.5.arm64_ventura.bottle.tar.gz"_s},
+        {"package:formula:automake:1.16.5", automake},
+        {"package:cask:firefox@beta:86.0b3", firefox},
         {"other:unrecognized-downloads",
-         "downloads/b121fce845422e8d6002e6968285593312527586ff85399b56362b64b1c4e107--Spectacle 1.2.zip"},
+         u"downloads/b121fce845422e8d6002e6968285593312527586ff85399b56362b64b1c4e107--Spectacle 1.2.zip"_s},
         {"other:unrecognized-downloads",
-         "downloads/521aecca03103c46d7d9cd32bc600c97ed07b4c78b94d67cfa4e08562d920976--multipass-1.10.1+mac-Darwin.pkg"},
+         u"downloads/521aecca03103c46d7d9cd32bc600c97ed07b4c78b94d67cfa4e08562d920976--multipass-1.10.1+mac-Darwin.pkg"_s},
     };
     QSet<QString> placed;
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.relativePath);
-        const HomebrewCacheEntry* entry = findEntry(entries, QLatin1String(c.id));
-        ASSERT_NE(entry, nullptr) << c.id;
-        EXPECT_TRUE(entry->paths.contains(cache.path(QString::fromUtf8(c.relativePath))));
+    for (const auto& [id, relative] : cases) {
+        SCOPED_TRACE(qPrintable(relative));
+        const HomebrewCacheEntry* entry = findEntry(entries, QLatin1String(id));
+        ASSERT_NE(entry, nullptr) << id;
+        EXPECT_TRUE(entry->paths.contains(cache.path(relative)));
         EXPECT_FALSE(entry->hasIssue);
-        placed << cache.path(QString::fromUtf8(c.relativePath));
+        placed << cache.path(relative);
     }
     // Every other real name is an item of its own at the top level (legacy flat names,
     // api/, bootsnap/, the old "Casks" folder), or an unrecognized download.
     for (const QString& line : lines) {
-        const QString full = cache.path(line);
-        if (placed.contains(full))
+        if (placed.contains(cache.path(line)))
             continue;
         SCOPED_TRACE(qPrintable(line));
         const QString top = line.section(QLatin1Char('/'), 0, 0);
-        const QString id = top == QLatin1String("downloads") ? QStringLiteral("other:unrecognized-downloads")
-                                                             : QStringLiteral("other:path:") + cache.path(top);
-        const HomebrewCacheEntry* entry = findEntry(entries, id);
+        const bool download = top == u"downloads"_s;
+        const HomebrewCacheEntry* entry
+            = findEntry(entries, download ? u"other:unrecognized-downloads"_s : u"other:path:"_s + cache.path(top));
         ASSERT_NE(entry, nullptr);
-        EXPECT_TRUE(entry->paths.contains(top == QLatin1String("downloads") ? full : cache.path(top)));
+        EXPECT_TRUE(entry->paths.contains(cache.path(download ? line : top)));
         EXPECT_EQ(entry->category, HomebrewCacheCategory::other);
     }
 }
@@ -503,39 +446,35 @@ TEST(HomebrewCacheScannerTest, LargeCacheIsClassifiedAndMeasuredWholeAndInOrder)
     constexpr int kFormulae = 1500;
     constexpr int kCasks = 800;
     for (int i = 0; i < kFormulae; ++i) {
-        const QString version = QStringLiteral("1.%1").arg(i % 12); // 1.9 before 1.10
-        const QString name = QStringLiteral("f%1--%2.arm64_sonoma.bottle.tar.gz").arg(i).arg(version);
-        if (i % 100 == 7) {
-            cache.link(name, QStringLiteral("downloads/missing-") + name); // dangling
-            continue;
-        }
-        cache.file(QStringLiteral("downloads/h%1--").arg(i) + name, 4096 * (1 + i % 3));
-        cache.link(name, QStringLiteral("downloads/h%1--").arg(i) + name);
+        const QString name = u"f%1--1.%2.arm64_sonoma.bottle.tar.gz"_s.arg(i).arg(i % 12); // 1.9 before 1.10
+        const QString target = (i % 100 == 7 ? u"downloads/missing-"_s : u"downloads/h%1--"_s.arg(i)) + name;
+        if (i % 100 != 7)
+            cache.file(target, 4096 * (1 + i % 3));
+        cache.link(name, target);
     }
     // Two versions of one cask share a download: it belongs to neither.
     for (int i = 0; i < kCasks; ++i) {
-        const QString target = QStringLiteral("downloads/c%1--App.dmg").arg(i / 2);
+        const QString target = u"downloads/c%1--App.dmg"_s.arg(i / 2);
         if (i % 2 == 0)
             cache.file(target, 8192);
-        cache.link(QStringLiteral("Cask/c%1--%2.dmg").arg(i / 2).arg(i % 2 == 0 ? u"2.9"_s : u"2.10"_s),
-                   QStringLiteral("../") + target);
+        cache.link(u"Cask/c%1--%2.dmg"_s.arg(i / 2).arg(i % 2 == 0 ? u"2.9"_s : u"2.10"_s), u"../"_s + target);
     }
 
     const auto entries = cache.scan();
-    ASSERT_EQ(entries.size(), size_t(kFormulae + kCasks / 2 * 2 + 1)); // + shared downloads
+    ASSERT_EQ(entries.size(), size_t(kFormulae + kCasks + 1)); // + shared downloads
     qsizetype formulaEntries = 0;
     qsizetype issues = 0;
+    qint64 total = 0;
     for (size_t i = 0; i < entries.size(); ++i) {
         const HomebrewCacheEntry& entry = entries[i];
         SCOPED_TRACE(qPrintable(entry.id));
+        total += entry.allocatedSize.value_or(0);
         if (entry.category == HomebrewCacheCategory::formula) {
             ++formulaEntries;
-            const bool dangling = entry.paths.size() == 1;
-            EXPECT_EQ(entry.hasIssue, dangling);
+            EXPECT_EQ(entry.hasIssue, entry.paths.size() == 1) << "only the dangling ones";
             issues += entry.hasIssue ? 1 : 0;
         } else if (entry.category == HomebrewCacheCategory::cask) {
             EXPECT_EQ(entry.paths.size(), 1); // the link only: the download is shared
-            // The same cask's 2.9 comes right before its 2.10.
             if (entry.version == u"2.9"_s) {
                 ASSERT_LT(i + 1, entries.size());
                 EXPECT_EQ(entries[i + 1].id, entry.id.chopped(1) + u"10"_s);
@@ -548,15 +487,9 @@ TEST(HomebrewCacheScannerTest, LargeCacheIsClassifiedAndMeasuredWholeAndInOrder)
     }
     EXPECT_EQ(formulaEntries, kFormulae);
     EXPECT_EQ(issues, kFormulae / 100);
-    const HomebrewCacheEntry* shared = findEntry(entries, QStringLiteral("other:shared-downloads"));
+    const HomebrewCacheEntry* shared = findEntry(entries, u"other:shared-downloads"_s);
     ASSERT_TRUE(shared);
     EXPECT_EQ(shared->paths.size(), kCasks / 2);
-
-    qint64 total = 0;
-    for (const HomebrewCacheEntry& entry : entries)
-        total += entry.allocatedSize.value_or(0);
-    const QString root = cache.root();
-    const qint64 containers = blocks(root + QStringLiteral("/downloads")) + blocks(root + QStringLiteral("/Cask"));
-    EXPECT_EQ(total, allocatedBytesBelow(root) - containers);
+    EXPECT_EQ(total, cacheContentBytes(cache));
     EXPECT_EQ(cache.scan(), entries);
 }

@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <climits>
 #include <cstdlib>
+#include <utility>
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -33,20 +34,45 @@ bool isRealFolder(const QString& path)
 
 const char* roleName(RandomTrial::Role role)
 {
-    switch (role) {
-    case RandomTrial::Role::benign:
-        return "benign";
-    case RandomTrial::Role::absent:
-        return "absent";
-    case RandomTrial::Role::hostile:
-        return "hostile";
-    case RandomTrial::Role::either:
-        return "either";
-    }
-    return "?";
+    static const char* const names[] = {"benign", "absent", "hostile", "either"};
+    return names[int(role)];
 }
 
 } // namespace
+
+void RandomTrial::run(const QString& rootRelative,
+                      const QStringList& topFolders,
+                      const std::function<Outcome(RandomTrial&)>& body)
+{
+    quint64 seed = 20240611;
+    int trees = 1000;
+    if (const char* value = std::getenv("QUILLBAY_PROPERTY_SEED"))
+        seed = std::strtoull(value, nullptr, 10);
+    if (const char* value = std::getenv("QUILLBAY_PROPERTY_TREES"))
+        trees = std::atoi(value);
+    // Both deleters log every refusal; thousands of trees would flood the output.
+    const QtMessageHandler previous
+        = qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+    Outcome total;
+    for (int i = 0; i < trees; ++i) {
+        const std::string tree = std::to_string(seed + quint64(i));
+        SCOPED_TRACE("tree seed " + tree + " (rebuild with QUILLBAY_PROPERTY_SEED=" + tree
+                     + " QUILLBAY_PROPERTY_TREES=1)");
+        RandomTrial trial(seed + quint64(i), rootRelative, topFolders);
+        const Outcome outcome = body(trial);
+        total.deleted += outcome.deleted;
+        total.refused += outcome.refused;
+        if (testing::Test::HasFailure()) {
+            ADD_FAILURE() << "selection:\n" << trial.describe().toStdString();
+            break;
+        }
+    }
+    qInstallMessageHandler(previous);
+    if (trees >= 100) {
+        EXPECT_GT(total.deleted, trees);
+        EXPECT_GT(total.refused, trees / 10);
+    }
+}
 
 RandomTrial::RandomTrial(quint64 seed, const QString& rootRelative, const QStringList& topFolders)
     : m_rng(seed)
@@ -67,11 +93,6 @@ bool RandomTrial::chance(double probability)
 int RandomTrial::between(int low, int high)
 {
     return std::uniform_int_distribution<int>(low, high)(m_rng);
-}
-
-QString RandomTrial::newName(QChar kind)
-{
-    return kind + QString::number(++m_counter);
 }
 
 QString RandomTrial::makeFile(const QString& folder)
@@ -105,34 +126,31 @@ void RandomTrial::populateFolder(const QString& folder, int depth)
             populateFolder(path, depth + 1);
         } else if (kind < 65 && !m_rootItems.isEmpty()) {
             // A link to something in the root, relative or absolute.
-            const QString target = m_rootItems.at(between(0, static_cast<int>(m_rootItems.size()) - 1));
+            const QString target = any(m_rootItems);
             const QString path = folder + QLatin1Char('/') + newName(u'l');
             makeLink(chance(0.5) ? target : QDir(folder).relativeFilePath(target), path);
             m_rootItems << path;
         } else if (kind < 77 && !m_outsideItems.isEmpty()) {
             // A link out of the root; when it leads to a folder, paths through it are hostile.
-            const QString target = m_outsideItems.at(between(0, static_cast<int>(m_outsideItems.size()) - 1));
+            const QString target = any(m_outsideItems);
             const QString path = folder + QLatin1Char('/') + newName(u'l');
             makeLink(chance(0.5) ? target : QDir(folder).relativeFilePath(target), path);
             m_rootItems << path;
             if (QFileInfo(target).isDir()) {
                 const QStringList inside = QDir(target).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
                 if (!inside.isEmpty())
-                    m_linksOut.append({path, inside.at(between(0, static_cast<int>(inside.size()) - 1))});
+                    m_linksOut.append({path, any(inside)});
             }
         } else if (kind < 82) {
             const QString path = folder + QLatin1Char('/') + newName(u'l');
             makeLink(chance(0.5) ? m_root + QStringLiteral("/missing") : QStringLiteral("../nowhere/x"), path);
             m_rootItems << path;
-        } else if (kind < 91 && !m_rootFiles.isEmpty()) {
-            const QString existing = m_rootFiles.at(between(0, static_cast<int>(m_rootFiles.size()) - 1));
-            const QString path = folder + QLatin1Char('/') + newName(u'h');
-            if (::link(QFile::encodeName(existing).constData(), QFile::encodeName(path).constData()) == 0) {
-                m_rootItems << path;
-                m_rootFiles << path;
-            }
-        } else if (!m_outsideFiles.isEmpty()) {
-            const QString existing = m_outsideFiles.at(between(0, static_cast<int>(m_outsideFiles.size()) - 1));
+        } else {
+            // A hard link to a file inside or outside the root.
+            const QStringList& files = kind < 91 && !m_rootFiles.isEmpty() ? m_rootFiles : m_outsideFiles;
+            if (files.isEmpty())
+                continue;
+            const QString& existing = any(files);
             const QString path = folder + QLatin1Char('/') + newName(u'h');
             if (::link(QFile::encodeName(existing).constData(), QFile::encodeName(path).constData()) == 0) {
                 m_rootItems << path;
@@ -172,20 +190,16 @@ void RandomTrial::populate()
     populateFolder(m_root, 0);
 }
 
-RandomTrial::Pick RandomTrial::makePick(const QString& path, Role role) const
+void RandomTrial::addPick(const QString& path, Role role)
 {
-    Pick pick;
-    pick.path = path;
-    pick.clean = lexicallyClean(path);
-    pick.name = QFileInfo(pick.clean).fileName();
-    pick.role = role;
-    return pick;
+    const QString clean = QDir::cleanPath(path);
+    m_picks << Pick {path, clean, QFileInfo(clean).fileName(), role};
 }
 
 void RandomTrial::pickSelection(const QStringList& extraHostile)
 {
     for (int i = between(0, 6); i > 0 && !m_rootItems.isEmpty(); --i) {
-        QString path = m_rootItems.at(between(0, static_cast<int>(m_rootItems.size()) - 1));
+        QString path = any(m_rootItems);
         // The same item spelled untidily.
         const int spelling = between(0, 9);
         if (spelling == 0)
@@ -194,32 +208,28 @@ void RandomTrial::pickSelection(const QStringList& extraHostile)
             path.insert(m_root.size(), QStringLiteral("//"));
         else if (spelling == 2)
             path += QLatin1Char('/');
-        m_picks << makePick(path, Role::benign);
+        addPick(path, Role::benign);
     }
     if (chance(0.15)) {
-        const QString folder = m_rootFolders.isEmpty() || chance(0.3)
-            ? m_root
-            : m_rootFolders.at(between(0, static_cast<int>(m_rootFolders.size()) - 1));
-        m_picks << makePick(folder + QLatin1Char('/') + newName(u'g'), Role::absent);
+        const QString folder = m_rootFolders.isEmpty() || chance(0.3) ? m_root : any(m_rootFolders);
+        addPick(folder + QLatin1Char('/') + newName(u'g'), Role::absent);
     }
     if (chance(0.2) && !m_outsideItems.isEmpty())
-        m_picks << makePick(m_outsideItems.at(between(0, static_cast<int>(m_outsideItems.size()) - 1)), Role::hostile);
+        addPick(any(m_outsideItems), Role::hostile);
     if (chance(0.05))
-        m_picks << makePick(chance(0.5) ? m_root : m_root + QStringLiteral("/."), Role::hostile);
+        addPick(chance(0.5) ? m_root : m_root + QStringLiteral("/."), Role::hostile);
     if (chance(0.15) && !m_outsideItems.isEmpty()) {
         // Out through "..": the spelling starts inside the root.
-        const QString from = m_rootFolders.isEmpty() || chance(0.3)
-            ? m_root
-            : m_rootFolders.at(between(0, static_cast<int>(m_rootFolders.size()) - 1));
-        const QString target = m_outsideItems.at(between(0, static_cast<int>(m_outsideItems.size()) - 1));
-        m_picks << makePick(from + QLatin1Char('/') + QDir(from).relativeFilePath(target), Role::hostile);
+        const QString from = m_rootFolders.isEmpty() || chance(0.3) ? m_root : any(m_rootFolders);
+        const QString target = any(m_outsideItems);
+        addPick(from + QLatin1Char('/') + QDir(from).relativeFilePath(target), Role::hostile);
     }
     if (chance(0.25) && !m_linksOut.isEmpty()) {
         const auto& [link, inside] = m_linksOut.at(between(0, static_cast<int>(m_linksOut.size()) - 1));
-        m_picks << makePick(link + QLatin1Char('/') + inside, Role::hostile);
+        addPick(link + QLatin1Char('/') + inside, Role::hostile);
     }
     for (const QString& path : extraHostile)
-        m_picks << makePick(path, Role::hostile);
+        addPick(path, Role::hostile);
     std::shuffle(m_picks.begin(), m_picks.end(), m_rng);
 }
 
@@ -254,11 +264,6 @@ void RandomTrial::swapFolder(const QString& folder, const QString& copy, const Q
     m_swapped << folder;
 }
 
-bool RandomTrial::isUnderSwapped(const QString& path) const
-{
-    return std::any_of(m_swapped.begin(), m_swapped.end(), [&](const QString& f) { return isAtOrBelow(path, f); });
-}
-
 void RandomTrial::swapBeforeDeletion()
 {
     QStringList candidates;
@@ -281,8 +286,14 @@ void RandomTrial::swapBeforeDeletion()
     }
 }
 
-void RandomTrial::prepareRaces()
+void RandomTrial::prepare(const QStringList& extraHostile)
 {
+    populate();
+    pickSelection(extraHostile);
+    if (chance(0.25))
+        swapBeforeDeletion();
+    // Races: picks whose parent folder is swapped the same way at the moment the deleter
+    // reaches them; the outside copies are made now so that the snapshot holds them.
     for (const Pick& pick : std::as_const(m_picks)) {
         if (pick.role != Role::benign || !chance(0.3))
             continue;
@@ -291,11 +302,13 @@ void RandomTrial::prepareRaces()
             continue;
         m_races.insert(pick.clean, Race {folder, outsideCopyOf(folder), false});
     }
+    m_outsideBefore = captureOutside();
+    m_rootBefore = captureRoot();
 }
 
 void RandomTrial::raceHook(const QString& path)
 {
-    const auto it = m_races.find(lexicallyClean(path));
+    const auto it = m_races.find(QDir::cleanPath(path));
     if (it == m_races.end() || it->fired)
         return;
     // Only a folder still standing where it stood, reached through real folders only.
@@ -339,17 +352,12 @@ TreeState RandomTrial::captureRoot() const
     return mapped;
 }
 
-void RandomTrial::expectOutsideUnchanged(const TreeState& before) const
-{
-    const QStringList differences = describeDifferences(before, captureOutside());
-    EXPECT_TRUE(differences.isEmpty()) << "outside the root:\n" << differences.join(u'\n').toStdString();
-}
-
-void RandomTrial::expectSelectionHonoured(const TreeState& rootBefore,
-                                          const QStringList& failureNames,
+void RandomTrial::expectSelectionHonoured(const QStringList& failureNames,
                                           bool coveredByAncestor,
                                           const QStringList& removableTopFolders) const
 {
+    const QStringList differences = describeDifferences(m_outsideBefore, captureOutside());
+    EXPECT_TRUE(differences.isEmpty()) << "outside the root:\n" << differences.join(u'\n').toStdString();
     EXPECT_TRUE(isRealFolder(m_root)) << "the root itself went";
     QList<Pick> picks = m_picks;
     // Picks under a folder a race swapped depend on whether they came before the swap;
@@ -400,19 +408,23 @@ void RandomTrial::expectSelectionHonoured(const TreeState& rootBefore,
 
     // Nothing in the root changed but what the picks cover.
     const TreeState after = captureRoot();
-    for (auto it = rootBefore.cbegin(); it != rootBefore.cend(); ++it) {
+    for (auto it = m_rootBefore.cbegin(); it != m_rootBefore.cend(); ++it) {
         const QString path = m_root + QLatin1Char('/') + it.key();
         const bool picked
             = std::any_of(picks.begin(), picks.end(), [&](const Pick& p) { return isAtOrBelow(path, p.clean); });
-        if (picked || isUnderSwapped(path) || removableTopFolders.contains(it.key()))
+        const bool swapped
+            = std::any_of(m_swapped.begin(), m_swapped.end(), [&](const QString& f) { return isAtOrBelow(path, f); });
+        if (picked || swapped || removableTopFolders.contains(it.key()))
             continue;
         const auto now = after.constFind(it.key());
         EXPECT_TRUE(now != after.cend() && now->sameAs(it.value())) << "unpicked item changed: " << path.toStdString();
     }
 }
 
-qint64 RandomTrial::goneFileBytes(const TreeState& before, const TreeState& after)
+qint64 RandomTrial::goneFileBytes() const
 {
+    const TreeState& before = m_rootBefore;
+    const TreeState after = captureRoot();
     qint64 total = 0;
     for (auto it = before.cbegin(); it != before.cend(); ++it) {
         if (it->kind == 'f' && !after.contains(it.key()))
@@ -421,18 +433,17 @@ qint64 RandomTrial::goneFileBytes(const TreeState& before, const TreeState& afte
     return total;
 }
 
-qint64 RandomTrial::goneIdentityBytes(const TreeState& before, const TreeState& after)
+qint64 RandomTrial::goneIdentityBytes() const
 {
-    QSet<QPair<quint64, quint64>> counted;
+    const TreeState& before = m_rootBefore;
+    const TreeState after = captureRoot();
+    QHash<QPair<quint64, quint64>, bool> counted;
     qint64 total = 0;
     for (auto it = before.cbegin(); it != before.cend(); ++it) {
         if (after.contains(it.key()))
             continue;
-        const QPair<quint64, quint64> identity {it->device, it->inode};
-        if (!counted.contains(identity)) {
-            counted.insert(identity);
+        if (!std::exchange(counted[{it->device, it->inode}], true))
             total += it->allocated;
-        }
     }
     return total;
 }

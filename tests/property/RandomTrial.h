@@ -2,9 +2,9 @@
 
 #include <QHash>
 #include <QList>
-#include <QSet>
 #include <QString>
 #include <QStringList>
+#include <functional>
 #include <random>
 
 #include "TreeState.h"
@@ -34,69 +34,68 @@ public:
         Role role = Role::benign;
     };
 
-    // `rootRelative` is where the authorized root lies inside the temporary folder;
-    // `topFolders` are made at the root's top level besides the random ones.
-    RandomTrial(quint64 seed, const QString& rootRelative, const QStringList& topFolders = {});
+    struct Outcome
+    {
+        int deleted = 0;
+        int refused = 0;
+    };
 
-    std::mt19937_64& rng() { return m_rng; }
+    // Builds the run's trees (QUILLBAY_PROPERTY_TREES, default 1000, from
+    // QUILLBAY_PROPERTY_SEED) with the root at `rootRelative` and `topFolders` at its top
+    // level, and hands each to `body`. Stops at the first failing tree, naming its seed;
+    // over a long run both outcomes must occur, or the property says little.
+    static void
+    run(const QString& rootRelative, const QStringList& topFolders, const std::function<Outcome(RandomTrial&)>& body);
+
     bool chance(double probability);
     int between(int low, int high); // inclusive
-
     QString base() const { return m_base; }
     QString root() const { return m_root; }
-    QString outside() const { return m_outside; }
-
-    // Fills the outside folder and the root.
-    void populate();
-    // Random paths to delete; `extraHostile` are more paths that must be refused.
-    void pickSelection(const QStringList& extraHostile = {});
     const QList<Pick>& picks() const { return m_picks; }
 
-    // Between scan and deletion: a folder on the way to a picked item becomes a link to a
-    // copy of it outside the root (the original moves aside within the root).
-    void swapBeforeDeletion();
-    // Chooses picks whose parent folder will be swapped the same way at the moment the
-    // deleter reaches them; prepares the outside copies now so the outside snapshot holds
-    // them.
-    void prepareRaces();
-    // Called from the deleter's test hook for every path it is about to act on.
+    // Fills the tree, picks the selection (`extraHostile` must be refused too), now and
+    // then swaps a folder on the way to a pick for a link out of the root, chooses races,
+    // and snapshots the tree.
+    void prepare(const QStringList& extraHostile = {});
+    // Called from the deleter's test hook for every path it is about to act on: a chosen
+    // pick's folder becomes a link to a copy of it outside the root.
     void raceHook(const QString& path);
 
-    // Snapshots: everything but the root, and the root alone with the race renames undone.
-    TreeState captureOutside() const { return captureTree(m_base, {m_root}); }
-    TreeState captureRoot() const;
-
-    // After the deletion: the checks every deleter shares. `failureNames` are the item
-    // names of the reported failures; `removableTopFolders` may vanish when empty.
-    void expectOutsideUnchanged(const TreeState& before) const;
-    void expectSelectionHonoured(const TreeState& rootBefore,
-                                 const QStringList& failureNames,
+    // After the deletion: nothing outside changed, every pick went or was refused as its
+    // role says, nothing unpicked changed (`removableTopFolders` may vanish when empty).
+    // `coveredByAncestor`: a deleter that plans the root first takes everything below it.
+    void expectSelectionHonoured(const QStringList& failureNames,
                                  bool coveredByAncestor,
                                  const QStringList& removableTopFolders = {}) const;
-
-    // Bytes by the two counting rules, from what left the root between the captures:
-    // allocated bytes of every regular file path gone (hard links count where they stand),
-    // and allocated bytes of every item gone, each file identity once.
-    static qint64 goneFileBytes(const TreeState& before, const TreeState& after);
-    static qint64 goneIdentityBytes(const TreeState& before, const TreeState& after);
-
-    QString describe() const;
+    // Bytes that left the root: every regular file path (hard links count where they
+    // stand), or every item with each file identity once.
+    qint64 goneFileBytes() const;
+    qint64 goneIdentityBytes() const;
 
 private:
+    RandomTrial(quint64 seed, const QString& rootRelative, const QStringList& topFolders);
+
+    QString newName(QChar kind) { return kind + QString::number(++m_counter); }
+    const QString& any(const QStringList& list) { return list.at(between(0, int(list.size()) - 1)); }
+    QString makeFile(const QString& folder);
+    void populate();
+    void populateFolder(const QString& folder, int depth);
+    void pickSelection(const QStringList& extraHostile);
+    void swapBeforeDeletion();
+    QString outsideCopyOf(const QString& folder);
+    void swapFolder(const QString& folder, const QString& copy, const QString& asideName);
+    void addPick(const QString& path, Role role);
+    // Everything but the root; the root alone with the race renames undone.
+    TreeState captureOutside() const { return captureTree(m_base, {m_root}); }
+    TreeState captureRoot() const;
+    QString describe() const;
+
     struct Race
     {
         QString folder;
         QString copy;
         bool fired = false;
     };
-
-    QString newName(QChar kind);
-    QString makeFile(const QString& folder);
-    void populateFolder(const QString& folder, int depth);
-    QString outsideCopyOf(const QString& folder);
-    void swapFolder(const QString& folder, const QString& copy, const QString& asideName);
-    bool isUnderSwapped(const QString& path) const;
-    Pick makePick(const QString& path, Role role) const;
 
     std::mt19937_64 m_rng;
     TempTree m_tree;
@@ -117,6 +116,8 @@ private:
     QStringList m_swapped; // folders replaced by links, before or during the deletion
     QHash<QString, QString> m_asideToOriginal; // race renames, relative to the root
     QHash<QString, Race> m_races; // by the clean path of the picked item
+    TreeState m_outsideBefore;
+    TreeState m_rootBefore;
 };
 
 } // namespace quillbay::test
