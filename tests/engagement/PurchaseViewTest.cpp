@@ -85,17 +85,3 @@ TEST(PurchaseViewTest, ACompletedTipThanksAndAFailedOneLeavesTheWindowAlone)
     EXPECT_TRUE(w.view->isVisible()) << "the window stays for the thanks";
     EXPECT_TRUE(w.engagement.hasEverTipped());
 }
-
-TEST(PurchaseViewTest, WithNoProductsThereAreNoTipButtonsAndNotNowStillCloses)
-{
-    Window w({});
-    QSignalSpy loaded(w.service.get(), &PurchaseService::consumableChanged);
-    ASSERT_TRUE(loaded.wait(3000));
-    EXPECT_TRUE(w.tipButtons().isEmpty());
-    QSignalSpy rejected(w.view.get(), &QDialog::rejected);
-    auto* notNow = w.view->findChild<QPushButton*>(u"notNowPushButton"_s);
-    ASSERT_NE(notNow, nullptr);
-    notNow->click();
-    EXPECT_EQ(rejected.count(), 1);
-    EXPECT_FALSE(w.view->isVisible());
-}
