@@ -21,19 +21,22 @@ TEST(AppViewModelAuthorizationTest, SilentRequestsNeverShowAPanel)
     const struct
     {
         const char* name;
-        bool buildTree;
+        int tree; // 0 nothing, 1 a Developer folder without Xcode, 2 the full tree
         QByteArray storedKey;
         bool expectAuthorized;
         bool expectFileManager;
     } cases[] = {
-        {"no Developer folder, no bookmark", false, {}, false, false},
-        {"no Developer folder, an unusable bookmark on record", false, "junk", true, false},
-        {"a Developer folder that can be reached", true, {}, true, true},
+        {"no Developer folder, no bookmark", 0, {}, false, false},
+        {"no Developer folder, an unusable bookmark on record", 0, "junk", true, false},
+        {"a Developer folder without Xcode", 1, {}, false, false},
+        {"a Developer folder that can be reached", 2, {}, true, true},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         CleanupFlowFixture f;
-        if (c.buildTree)
+        if (c.tree == 1)
+            f.tree.mkdir(QStringLiteral("home/Library/Developer"));
+        if (c.tree == 2)
             f.buildDeveloperTree();
         if (!c.storedKey.isEmpty())
             f.defaults.setValue(kKey, c.storedKey);
@@ -46,18 +49,8 @@ TEST(AppViewModelAuthorizationTest, SilentRequestsNeverShowAPanel)
         EXPECT_EQ(f.model->hasFileManager(), c.expectFileManager);
         EXPECT_TRUE(f.pickers.requests.isEmpty());
         EXPECT_EQ(f.model->localFiles().size(), c.expectFileManager ? 6 : 0) << "a built manager scans at once";
+        EXPECT_FALSE(f.model->scanning());
     }
-}
-
-TEST(AppViewModelAuthorizationTest, AFolderWithoutXcodeCannotBeAuthorized)
-{
-    CleanupFlowFixture f;
-    f.tree.mkdir(QStringLiteral("home/Library/Developer"));
-    f.model->requestDeveloperFolderAuthorization(false);
-    ASSERT_TRUE(waitUntil([&] { return !f.model->isRequestingDeveloperFolderAuthorization(); }));
-    EXPECT_FALSE(f.model->hasFileManager());
-    EXPECT_FALSE(f.model->isDeveloperFolderAuthorized());
-    EXPECT_FALSE(f.model->scanning());
 }
 
 TEST(AppViewModelAuthorizationTest, ChooseThatIsCancelledLosesNothing)
@@ -84,22 +77,6 @@ TEST(AppViewModelAuthorizationTest, ChooseThatIsCancelledLosesNothing)
     EXPECT_TRUE(f.model->isDeveloperFolderAuthorized());
     EXPECT_EQ(f.model->developerFolderPath(), elsewhere);
     EXPECT_EQ(f.defaults.dataValue(kKey), bookmark);
-
-    // Picking another folder is refused with the alert; "Repeat" shows the panel again,
-    // where the user now gets it right.
-    f.pickers.answerWith(elsewhere);
-    f.alerts.pressButton(0);
-    f.pickers.answerWith([&](const Pickers::FolderRequest& request) -> std::optional<QString> {
-        f.tree.writeFile(QStringLiteral("home/Library/Developer/Xcode/DerivedData/.keep"), "");
-        return request.directory;
-    });
-    f.model->chooseDeveloperFolder();
-    ASSERT_TRUE(waitUntil([&] { return !f.model->isRequestingDeveloperFolderAuthorization(); }));
-    ASSERT_TRUE(f.waitForIdle());
-    EXPECT_EQ(f.pickers.requests.size(), 3);
-    EXPECT_EQ(f.alerts.requests.size(), 1);
-    EXPECT_EQ(f.model->developerFolderPath(), f.developer);
-    EXPECT_EQ(QDir::cleanPath(FolderBookmark::resolve(f.defaults.dataValue(kKey))->path), f.developer);
 }
 
 TEST(AppViewModelAuthorizationTest, RemoveAuthorizationClearsEverything)
@@ -144,36 +121,13 @@ TEST(AppViewModelAuthorizationTest, CustomFoldersAreSavedScannedAndRemoved)
     ASSERT_TRUE(f.waitForIdle());
     EXPECT_EQ(f.find(QStringLiteral("Custom Project")), nullptr);
 
-    const struct
-    {
-        const char* name;
-        std::optional<QString> pick;
-        QString alertMessage;
-        int listSize;
-    } adds[] = {
-        {"cancelled", std::nullopt, {}, 0},
-        {"a folder that is not there", f.tree.path(QStringLiteral("nowhere")),
-         QStringLiteral("Access to this folder is denied."), 0},
-        {"a real folder", custom, {}, 1},
-    };
-    for (const auto& a : adds) {
-        SCOPED_TRACE(a.name);
-        f.model->dismissSettingViewAlert();
-        f.pickers.answerWith(a.pick);
-        const int answered = f.pickers.answered;
-        f.model->addCustomFolder(AppViewModel::CustomFolderKind::derivedData);
-        ASSERT_TRUE(waitUntil([&] { return f.pickers.answered == answered + 1; }));
-        EXPECT_EQ(f.model->scanning(), a.listSize == 1) << "only a new folder starts a scan";
-        ASSERT_TRUE(f.waitForIdle());
-        EXPECT_EQ(f.pickers.requests.last().message, QStringLiteral("Choose a new location"));
-        EXPECT_EQ(f.pickers.requests.last().prompt, QStringLiteral("Choose"));
-        EXPECT_EQ(f.model->settingViewAlert(), !a.alertMessage.isEmpty());
-        if (!a.alertMessage.isEmpty()) {
-            EXPECT_EQ(f.model->settingViewAlertTitle(), QStringLiteral("Can't choose this folder"));
-            EXPECT_EQ(f.model->settingViewAlertMessage(), a.alertMessage);
-        }
-        EXPECT_EQ(f.model->customDerivedDataFolders().size(), a.listSize);
-    }
+    f.pickers.answerWith(custom);
+    f.model->addCustomFolder(AppViewModel::CustomFolderKind::derivedData);
+    ASSERT_TRUE(waitUntil([&] { return f.pickers.answered == 1; }));
+    EXPECT_TRUE(f.model->scanning()) << "a new folder starts a scan";
+    ASSERT_TRUE(f.waitForIdle());
+    EXPECT_EQ(f.pickers.requests.last().message, QStringLiteral("Choose a new location"));
+    EXPECT_EQ(f.pickers.requests.last().prompt, QStringLiteral("Choose"));
     const XcodeFileProperties* project = f.find(QStringLiteral("Custom Project"));
     ASSERT_NE(project, nullptr) << "the new folder is scanned at once";
     const URLBookmarkManager bookmarks(UserPaths::forHome(f.home).programDataFolder());

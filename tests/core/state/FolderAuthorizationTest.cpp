@@ -144,12 +144,3 @@ TEST(FolderAuthorizationTest, CancellingThePanelOrTheAlertGivesNothing)
     h.authorization.setPanels(nullptr, nullptr);
     EXPECT_EQ(h.request({}, true), std::nullopt) << "without a panel to show the request simply fails";
 }
-
-TEST(FolderAuthorizationTest, DeveloperFolderMessageNamesTheProgram)
-{
-    const QString message = FolderAuthorization::developerFolderMessage();
-    EXPECT_FALSE(message.startsWith(QLatin1Char(' ')));
-    EXPECT_TRUE(
-        message.endsWith(QStringLiteral(" needs permission to access this folder to scan its contents. The "
-                                        "folder should already be selected; simply click \"Open\" to proceed.")));
-}

@@ -1,7 +1,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QElapsedTimer>
-#include <QLabel>
+#include <QSet>
 #include <QTemporaryDir>
 #include <QTreeWidget>
 
@@ -61,22 +61,6 @@ TEST(ContentViewTest, ShowsTwoSectionsWithReleasesSelected)
             EXPECT_FALSE(sidebar->topLevelItem(i)->child(j)->icon(0).isNull()) << "every tool row has an icon";
 }
 
-TEST(ContentViewTest, TheTwoCleanupRowsAreDistinctTools)
-{
-    Shell s;
-    ContentView* window = s.shell.window();
-    auto* sidebar = window->findChild<QTreeWidget*>(QStringLiteral("sidebarTreeWidget"));
-    sidebar->setCurrentItem(sidebar->topLevelItem(1)->child(2));
-    EXPECT_EQ(window->selection(), sidebarItem(Tool::homebrewCleanup).id);
-    QWidget* homebrewScreen = window->currentScreen();
-    sidebar->setCurrentItem(sidebar->topLevelItem(0)->child(2));
-    EXPECT_EQ(window->selection(), sidebarItem(Tool::xcodeCleanup).id);
-    EXPECT_NE(window->currentScreen(), homebrewScreen);
-    // Headings are not selectable destinations.
-    sidebar->setCurrentItem(sidebar->topLevelItem(0));
-    EXPECT_EQ(window->selection(), sidebarItem(Tool::xcodeCleanup).id);
-}
-
 TEST(ContentViewTest, ClosingKeepsTheProcessAndOpenWindowRestoresTheSameState)
 {
     Shell s;
@@ -115,20 +99,27 @@ TEST(ContentViewTest, ToastShowsForThreeSecondsAndANewMessageRestartsTheCount)
     EXPECT_FALSE(s.app.viewModel().toastMessage().has_value()) << "dismissal clears the message";
 }
 
-TEST(ContentViewTest, CtrlAndANumberOpenEachToolAndEveryControlOnShowHasAName)
+TEST(ContentViewTest, CtrlAndANumberOpenEachToolOnItsOwnScreenAndEveryControlHasAName)
 {
     Shell s;
     s.shell.openWindow();
     ContentView* window = s.shell.window();
     const Tool inSidebarOrder[] = {Tool::xcodeReleases,   Tool::assetsMaker,       Tool::xcodeCleanup,
                                    Tool::homebrewCatalog, Tool::homebrewInstalled, Tool::homebrewCleanup};
+    QSet<QWidget*> screens;
     // From the last tool backwards, so that every key has to move the selection.
     for (int number = 6; number >= 1; --number) {
         const Tool tool = inSidebarOrder[number - 1];
         SCOPED_TRACE(sidebarItem(tool).title.toStdString());
         ASSERT_TRUE(test::pressKey(window, QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_0 + number))));
         EXPECT_EQ(window->selection(), sidebarItem(tool).id);
+        screens.insert(window->currentScreen());
         QApplication::processEvents();
         EXPECT_EQ(test::controlsWithoutAccessibleName(window), "");
     }
+    EXPECT_EQ(screens.size(), 6) << "the two cleanup rows are distinct tools";
+    // Headings are not selectable destinations.
+    auto* sidebar = window->findChild<QTreeWidget*>(QStringLiteral("sidebarTreeWidget"));
+    sidebar->setCurrentItem(sidebar->topLevelItem(0));
+    EXPECT_EQ(window->selection(), sidebarItem(Tool::xcodeReleases).id);
 }

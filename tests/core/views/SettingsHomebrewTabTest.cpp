@@ -73,64 +73,42 @@ QString unusedLoopbackAddress()
     return QStringLiteral("http://127.0.0.1:%1").arg(server.serverPort());
 }
 
-int manifestRequests(const CatalogServiceFixture& service)
-{
-    int count = 0;
-    for (const auto& seen : service.requests())
-        count += seen.path == QStringLiteral("/v1/catalog/manifest.json") ? 1 : 0;
-    return count;
-}
-
 } // namespace
 
-TEST(SettingsHomebrewTabTest, ForceRefreshFetchesTheCatalogAgainWithValidators)
+// What the validators and snapshots do is the store's own test; this is what the tab shows.
+TEST(SettingsHomebrewTabTest, ForceRefreshShowsItsProgressTheNewSnapshotAndAFailure)
 {
     CatalogServiceFixture service;
     service.publish(QStringLiteral("A"), formulae, casks);
-    CatalogSettings s(service.baseURL());
-    s.view->tabs()->setCurrentIndex(2);
-    EXPECT_EQ(s.text(QStringLiteral("lastCheckedLabel")), QStringLiteral("Never"));
-    EXPECT_EQ(s.text(QStringLiteral("lastSuccessfulUpdateLabel")), QStringLiteral("Never"));
+    for (const bool online : {true, false}) {
+        SCOPED_TRACE(online ? "online" : "offline");
+        CatalogSettings s(online ? service.baseURL() : unusedLoopbackAddress());
+        s.view->tabs()->setCurrentIndex(2);
+        EXPECT_EQ(s.text(QStringLiteral("lastCheckedLabel")), QStringLiteral("Never"));
+        EXPECT_EQ(s.text(QStringLiteral("lastSuccessfulUpdateLabel")), QStringLiteral("Never"));
+        // Showing the window brings the catalog up, as its own screen would.
+        s.view->show();
+        ASSERT_TRUE(waitUntil([&] { return s.idle(); }, 15000));
 
-    // Showing the window brings the catalog up, as its own screen would.
-    s.view->show();
-    ASSERT_TRUE(waitUntil([&] { return s.idle(); }, 15000));
-    EXPECT_EQ(s.catalog->allFormulae().size(), 2);
-    EXPECT_NE(s.text(QStringLiteral("lastSuccessfulUpdateLabel")), QStringLiteral("Never"));
-    const int before = manifestRequests(service);
-    ASSERT_EQ(before, 1);
-
-    service.publish(QStringLiteral("B"), formulae.mid(0, 1), casks);
-    s.forceRefresh()->click();
-    EXPECT_EQ(s.forceRefresh()->text(), QStringLiteral("Refreshing"));
-    EXPECT_FALSE(s.forceRefresh()->isEnabled()) << "one refresh at a time";
-    ASSERT_TRUE(waitUntil([&] { return s.idle() && !s.catalog->isFiltering(); }, 15000));
-    EXPECT_EQ(manifestRequests(service), before + 1);
-    bool sentValidator = false;
-    for (const auto& seen : service.requests())
-        if (seen.path == QStringLiteral("/v1/catalog/manifest.json") && !seen.ifNoneMatch.isEmpty())
-            sentValidator = true;
-    EXPECT_TRUE(sentValidator) << "a forced refresh is still conditional";
-    EXPECT_EQ(s.catalog->allFormulae().size(), 1) << "the new snapshot is on show";
-    EXPECT_EQ(s.forceRefresh()->text(), QStringLiteral("Force Refresh"));
-    EXPECT_TRUE(s.forceRefresh()->isEnabled());
-    EXPECT_FALSE(s.view->findChild<QLabel*>(QStringLiteral("catalogErrorLabel"))->isVisibleTo(s.view.get()));
-}
-
-TEST(SettingsHomebrewTabTest, AFailedRefreshShowsTheErrorAndOnlyTheCheckDate)
-{
-    CatalogSettings s(unusedLoopbackAddress());
-    s.view->show();
-    s.view->tabs()->setCurrentIndex(2);
-    ASSERT_TRUE(waitUntil([&] { return s.idle(); }, 15000));
-    s.forceRefresh()->click();
-    ASSERT_TRUE(waitUntil([&] { return s.idle(); }, 15000));
-    EXPECT_NE(s.text(QStringLiteral("lastCheckedLabel")), QStringLiteral("Never"));
-    EXPECT_EQ(s.text(QStringLiteral("lastSuccessfulUpdateLabel")), QStringLiteral("Never"));
-    auto* error = s.view->findChild<QLabel*>(QStringLiteral("catalogErrorLabel"));
-    EXPECT_TRUE(error->isVisibleTo(s.view.get()));
-    EXPECT_EQ(error->text(), s.catalog->refreshErrorMessage().value_or(QStringLiteral("<none>")));
-    EXPECT_FALSE(error->text().isEmpty());
+        if (online)
+            service.publish(QStringLiteral("B"), formulae.mid(0, 1), casks);
+        s.forceRefresh()->click();
+        EXPECT_EQ(s.forceRefresh()->text(), QStringLiteral("Refreshing"));
+        EXPECT_FALSE(s.forceRefresh()->isEnabled()) << "one refresh at a time";
+        ASSERT_TRUE(waitUntil([&] { return s.idle() && !s.catalog->isFiltering(); }, 15000));
+        EXPECT_EQ(s.forceRefresh()->text(), QStringLiteral("Force Refresh"));
+        EXPECT_TRUE(s.forceRefresh()->isEnabled());
+        EXPECT_NE(s.text(QStringLiteral("lastCheckedLabel")), QStringLiteral("Never"));
+        EXPECT_EQ(s.text(QStringLiteral("lastSuccessfulUpdateLabel")) != QStringLiteral("Never"), online);
+        auto* error = s.view->findChild<QLabel*>(QStringLiteral("catalogErrorLabel"));
+        EXPECT_EQ(error->isVisibleTo(s.view.get()), !online);
+        if (online) {
+            EXPECT_EQ(s.catalog->allFormulae().size(), 1) << "the new snapshot is on show";
+        } else {
+            EXPECT_EQ(error->text(), s.catalog->refreshErrorMessage().value_or(QStringLiteral("<none>")));
+            EXPECT_FALSE(error->text().isEmpty());
+        }
+    }
 }
 
 TEST(SettingsHomebrewTabTest, HomebrewRootChooseRemoveAndAWrongFolder)
