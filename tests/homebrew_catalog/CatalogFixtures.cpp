@@ -6,6 +6,8 @@
 
 namespace quillbay::test {
 
+using namespace Qt::StringLiterals;
+
 using Json = nlohmann::ordered_json;
 
 QByteArray snapshotJson(HomebrewCatalogKind kind, const QList<FixturePackage>& packages, int schemaVersion)
@@ -37,7 +39,7 @@ QByteArray snapshotJson(HomebrewCatalogKind kind, const QList<FixturePackage>& p
 
 QString snapshotPath(const QString& snapshotID, HomebrewCatalogKind kind)
 {
-    return QStringLiteral("/v1/catalog/snapshots/") + snapshotID + u'/' + rawValue(kind) + QStringLiteral(".json");
+    return u"/v1/catalog/snapshots/"_s + snapshotID + u'/' + rawValue(kind) + u".json"_s;
 }
 
 QByteArray manifestJson(const QString& snapshotID, const QByteArray& formulaBytes, const QByteArray& caskBytes)

@@ -14,29 +14,6 @@ namespace quillbay::test {
 // One package row as a snapshot carries it.
 struct FixturePackage
 {
-    FixturePackage(QString identifier_,
-                   QString displayName_ = {},
-                   QString summary_ = {},
-                   QStringList aliases_ = {},
-                   std::optional<qint64> thirtyDays_ = {},
-                   std::optional<qint64> ninetyDays_ = {},
-                   std::optional<qint64> threeHundredSixtyFiveDays_ = {},
-                   QString version_ = QStringLiteral("1.0"),
-                   bool isDeprecated_ = false,
-                   bool isDisabled_ = false)
-        : identifier(std::move(identifier_))
-        , displayName(std::move(displayName_))
-        , summary(std::move(summary_))
-        , aliases(std::move(aliases_))
-        , thirtyDays(thirtyDays_)
-        , ninetyDays(ninetyDays_)
-        , threeHundredSixtyFiveDays(threeHundredSixtyFiveDays_)
-        , version(std::move(version_))
-        , isDeprecated(isDeprecated_)
-        , isDisabled(isDisabled_)
-    {
-    }
-
     QString identifier;
     QString displayName;
     QString summary;
@@ -44,9 +21,9 @@ struct FixturePackage
     std::optional<qint64> thirtyDays;
     std::optional<qint64> ninetyDays;
     std::optional<qint64> threeHundredSixtyFiveDays;
-    QString version;
-    bool isDeprecated;
-    bool isDisabled;
+    QString version = QStringLiteral("1.0");
+    bool isDeprecated = false;
+    bool isDisabled = false;
 };
 
 // Test tables are written with plain literals.

@@ -13,9 +13,20 @@
 
 namespace quillbay::test {
 
+using namespace Qt::StringLiterals;
+
 using Json = nlohmann::ordered_json;
 
-const QByteArray fixtureKey("quillbay-development-catalog-signing-key-0123456789abcdef0123456");
+std::unique_ptr<HomebrewCatalogStore>
+makeCatalogStore(const QString& baseURL, const QString& cacheRoot, Defaults& defaults, const QDateTime* clock)
+{
+    const auto now = [clock] { return clock ? *clock : QDateTime::currentDateTimeUtc(); };
+    HomebrewAPIClient::Configuration configuration {QUrl(baseURL), catalogTestKey,
+                                                    [] { return QDateTime::currentDateTimeUtc(); }, now};
+    return std::make_unique<HomebrewCatalogStore>(
+        std::make_unique<HomebrewAPIClient>(configuration, std::make_unique<HomebrewCacheService>(cacheRoot)),
+        HomebrewCatalogProcessor(), defaults, now);
+}
 
 class CatalogServiceFixture::Recorder : public services::HttpService
 {
@@ -40,7 +51,7 @@ private:
 CatalogServiceFixture::CatalogServiceFixture()
 {
     m_catalog = std::make_unique<services::CatalogServer>(
-        services::CatalogServer::Configuration {dataDir(), fixtureKey, 300, {}});
+        services::CatalogServer::Configuration {dataDir(), catalogTestKey, 300, {}});
     m_recorder = std::make_unique<Recorder>(*m_catalog, m_requests);
     m_server.addService(m_recorder.get());
     m_port = m_server.listen(QHostAddress::LocalHost, 0);
@@ -50,7 +61,7 @@ CatalogServiceFixture::~CatalogServiceFixture() = default;
 
 QString CatalogServiceFixture::baseURL() const
 {
-    return QStringLiteral("http://127.0.0.1:%1").arg(m_port);
+    return u"http://127.0.0.1:%1"_s.arg(m_port);
 }
 
 QString CatalogServiceFixture::snapshotFile(const QString& snapshotID, const QString& kind) const
@@ -64,7 +75,7 @@ void CatalogServiceFixture::publish(const QString& snapshotID,
                                     const QList<Cask>& casks,
                                     const QList<std::pair<QString, QString>>& formulaInstalls)
 {
-    const QString input = QStringLiteral("input-") + snapshotID;
+    const QString input = u"input-"_s + snapshotID;
     Json formulaDocs = Json::array();
     for (const Formula& f : formulae) {
         Json dependencies = Json::array();
@@ -85,9 +96,9 @@ void CatalogServiceFixture::publish(const QString& snapshotID,
     Json items = Json::array();
     for (const auto& [name, count] : formulaInstalls)
         items.push_back(Json {{"formula", name.toStdString()}, {"count", count.toStdString()}});
-    m_tree.writeFile(input + QStringLiteral("/formula.json"), QByteArray::fromStdString(formulaDocs.dump()));
-    m_tree.writeFile(input + QStringLiteral("/cask.json"), QByteArray::fromStdString(caskDocs.dump()));
-    m_tree.writeFile(input + QStringLiteral("/analytics/install-30d.json"),
+    m_tree.writeFile(input + u"/formula.json"_s, QByteArray::fromStdString(formulaDocs.dump()));
+    m_tree.writeFile(input + u"/cask.json"_s, QByteArray::fromStdString(caskDocs.dump()));
+    m_tree.writeFile(input + u"/analytics/install-30d.json"_s,
                      QByteArray::fromStdString(Json {{"items", items}}.dump()));
 
     services::CatalogImporter::Options options;

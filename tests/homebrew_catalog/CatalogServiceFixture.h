@@ -10,9 +10,20 @@
 
 #include "CatalogServer.h"
 #include "ServicesServer.h"
+#include "foundation/Defaults.h"
+#include "homebrew_catalog/HomebrewCatalogStore.h"
 #include "testsupport/TempTree.h"
 
 namespace quillbay::test {
+
+// The development signing key of the default build.
+inline const QByteArray catalogTestKey("quillbay-development-catalog-signing-key-0123456789abcdef0123456");
+
+// A store as the application builds it, over a cache folder; without a clock it runs on real time.
+std::unique_ptr<HomebrewCatalogStore> makeCatalogStore(const QString& baseURL,
+                                                       const QString& cacheRoot,
+                                                       Defaults& defaults,
+                                                       const QDateTime* clock = nullptr);
 
 // A running catalog service on a loopback port, fed through the real importer.
 class CatalogServiceFixture

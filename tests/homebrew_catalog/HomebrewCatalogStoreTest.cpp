@@ -15,42 +15,32 @@
 
 using namespace quillbay;
 using namespace quillbay::test;
+using namespace Qt::StringLiterals;
 using Fixture = CatalogServiceFixture;
 
 namespace {
 
-const QByteArray key("quillbay-development-catalog-signing-key-0123456789abcdef0123456");
-const QString refreshFailed
-    = QStringLiteral("Some Homebrew data could not be updated. Cached data is shown when available.");
-const QString cacheUnreadable = QStringLiteral("The cached Homebrew data could not be read.");
+const QString refreshFailed = u"Some Homebrew data could not be updated. Cached data is shown when available."_s;
+const QString cacheUnreadable = u"The cached Homebrew data could not be read."_s;
 
 const QList<Fixture::Formula> formulaeA {
-    {QStringLiteral("wget"), QStringLiteral("Internet file retriever")},
-    {QStringLiteral("curl"), QStringLiteral("Get a file from an HTTP server"), QStringLiteral("8.5.0"), 1},
-    {QStringLiteral("openssl@3"), QStringLiteral("Cryptography and SSL/TLS Toolkit")},
+    {u"wget"_s, u"Internet file retriever"_s},
+    {u"curl"_s, u"Get a file from an HTTP server"_s, u"8.5.0"_s, 1},
+    {u"openssl@3"_s, u"Cryptography and SSL/TLS Toolkit"_s},
 };
 const QList<Fixture::Cask> casksA {
-    {QStringLiteral("firefox"), QStringLiteral("Mozilla Firefox"), QStringLiteral("Web browser")},
-    {QStringLiteral("iterm2"), QStringLiteral("iTerm2"), QStringLiteral("Terminal emulator")},
+    {u"firefox"_s, u"Mozilla Firefox"_s, u"Web browser"_s},
+    {u"iterm2"_s, u"iTerm2"_s, u"Terminal emulator"_s},
 };
-const QList<std::pair<QString, QString>> installsA {{QStringLiteral("curl"), QStringLiteral("1,444,028")},
-                                                    {QStringLiteral("wget"), QStringLiteral("98,765")}};
+const QList<std::pair<QString, QString>> installsA {{u"curl"_s, u"1,444,028"_s}, {u"wget"_s, u"98,765"_s}};
 
 // A store as the application builds it, on a temporary cache folder and settings file.
 struct StoreUnderTest
 {
     StoreUnderTest(const QString& base, const QString& root, QDateTime* clock)
-        : defaults(root + QStringLiteral("/settings.ini"))
+        : defaults(root + u"/settings.ini"_s)
+        , store(makeCatalogStore(base, root + u"/cache"_s, defaults, clock))
     {
-        HomebrewAPIClient::Configuration configuration;
-        configuration.baseURL = QUrl(base);
-        configuration.signingSecret = key;
-        configuration.now = [] { return QDateTime::currentDateTimeUtc(); };
-        configuration.currentDate = [clock] { return *clock; };
-        store = std::make_unique<HomebrewCatalogStore>(
-            std::make_unique<HomebrewAPIClient>(
-                configuration, std::make_unique<HomebrewCacheService>(root + QStringLiteral("/cache"))),
-            HomebrewCatalogProcessor(), defaults, [clock] { return *clock; });
     }
 
     bool idle() const
@@ -86,15 +76,16 @@ void overwrite(const QString& path, const QByteArray& bytes)
 
 QString cacheFile(const TempTree& tree, const QString& name)
 {
-    return tree.path(QStringLiteral("cache/") + name);
+    return tree.path(u"cache/"_s + name);
 }
+
+const QString validatedManifest = u"proxy-v1-validated-catalog-manifest.json"_s;
 
 QString snapshotCacheName(const QString& id, HomebrewCatalogKind kind)
 {
-    return HomebrewEndpoint::catalogSnapshot(kind,
-                                             QStringLiteral("/v1/catalog/snapshots/%1/%2.json").arg(id, rawValue(kind)))
+    return HomebrewEndpoint::catalogSnapshot(kind, u"/v1/catalog/snapshots/%1/%2.json"_s.arg(id, rawValue(kind)))
                .cacheStem()
-        + QStringLiteral(".json");
+        + u".json"_s;
 }
 
 bool settle(const HomebrewCatalogStore& store, const QFuture<void>& future)
@@ -107,7 +98,7 @@ bool settle(const HomebrewCatalogStore& store, const QFuture<void>& future)
 TEST(HomebrewCatalogStoreTest, FirstLoadThenNotModifiedRoundThenANewPair)
 {
     Fixture service;
-    service.publish(QStringLiteral("A"), formulaeA, casksA, installsA);
+    service.publish(u"A"_s, formulaeA, casksA, installsA);
     TempTree tree;
     QDateTime clock = QDateTime::fromSecsSinceEpoch(1750000000, Qt::UTC);
     StoreUnderTest s(service.baseURL(), tree.root(), &clock);
@@ -124,11 +115,11 @@ TEST(HomebrewCatalogStoreTest, FirstLoadThenNotModifiedRoundThenANewPair)
     EXPECT_EQ(store.formulae()[0].version, u"8.5.0_1");
     EXPECT_EQ(identifiers(store.casks()), strings({"iterm2", "firefox"}));
     EXPECT_EQ(store.summariesByRoute().size(), 5);
-    EXPECT_EQ(store.summary({HomebrewCatalogKind::cask, QStringLiteral("firefox")})->displayName, u"Mozilla Firefox");
+    EXPECT_EQ(store.summary({HomebrewCatalogKind::cask, u"firefox"_s})->displayName, u"Mozilla Firefox");
     EXPECT_EQ(store.lastCheckDate(), clock);
     EXPECT_EQ(store.lastSuccessfulRefreshDate(), clock);
     EXPECT_EQ(service.requests().size(), 3);
-    const QByteArray validatedA = readFile(cacheFile(tree, QStringLiteral("proxy-v1-validated-catalog-manifest.json")));
+    const QByteArray validatedA = readFile(cacheFile(tree, validatedManifest));
     EXPECT_TRUE(validatedA.contains("\"snapshotID\":\"A\""));
 
     // Within a day nothing more is asked.
@@ -145,48 +136,45 @@ TEST(HomebrewCatalogStoreTest, FirstLoadThenNotModifiedRoundThenANewPair)
     EXPECT_EQ(identifiers(store.formulae()), strings({"curl", "wget", "openssl@3"}));
 
     // A new pair replaces the catalog and the stale snapshot files.
-    service.publish(QStringLiteral("B"), formulaeA.mid(0, 2),
-                    casksA + QList<Fixture::Cask> {{QStringLiteral("zoom"), QStringLiteral("Zoom"), {}}});
+    service.publish(u"B"_s, formulaeA.mid(0, 2), casksA + QList<Fixture::Cask> {{u"zoom"_s, u"Zoom"_s, {}}});
     ASSERT_TRUE(settle(store, store.forceRefresh()));
     EXPECT_FALSE(store.refreshErrorMessage().has_value());
     EXPECT_EQ(store.allFormulae().size(), 2);
     EXPECT_EQ(store.allCasks().size(), 3);
     EXPECT_EQ(store.casks().size(), 3);
-    EXPECT_FALSE(store.summary({HomebrewCatalogKind::formula, QStringLiteral("openssl@3")}).has_value());
-    EXPECT_TRUE(readFile(cacheFile(tree, QStringLiteral("proxy-v1-validated-catalog-manifest.json")))
-                    .contains("\"snapshotID\":\"B\""));
-    EXPECT_FALSE(QFile::exists(cacheFile(tree, snapshotCacheName(QStringLiteral("A"), HomebrewCatalogKind::formula))));
-    EXPECT_TRUE(QFile::exists(cacheFile(tree, snapshotCacheName(QStringLiteral("B"), HomebrewCatalogKind::cask))));
+    EXPECT_FALSE(store.summary({HomebrewCatalogKind::formula, u"openssl@3"_s}).has_value());
+    EXPECT_TRUE(readFile(cacheFile(tree, validatedManifest)).contains("\"snapshotID\":\"B\""));
+    EXPECT_FALSE(QFile::exists(cacheFile(tree, snapshotCacheName(u"A"_s, HomebrewCatalogKind::formula))));
+    EXPECT_TRUE(QFile::exists(cacheFile(tree, snapshotCacheName(u"B"_s, HomebrewCatalogKind::cask))));
     EXPECT_GE(generations.count(), 3);
 }
 
 TEST(HomebrewCatalogStoreTest, ServerDyingBetweenTheSnapshotsKeepsTheOldCatalog)
 {
     Fixture service;
-    service.publish(QStringLiteral("A"), formulaeA, casksA, installsA);
+    service.publish(u"A"_s, formulaeA, casksA, installsA);
     DyingProxy proxy(static_cast<quint16>(QUrl(service.baseURL()).port()));
     TempTree tree;
     QDateTime clock = QDateTime::fromSecsSinceEpoch(1750000000, Qt::UTC);
-    StoreUnderTest s(QStringLiteral("http://127.0.0.1:%1").arg(proxy.port()), tree.root(), &clock);
+    StoreUnderTest s(u"http://127.0.0.1:%1"_s.arg(proxy.port()), tree.root(), &clock);
     HomebrewCatalogStore& store = *s.store;
     store.loadIfNeeded();
     ASSERT_TRUE(waitUntil([&] { return s.idle() && store.catalogGeneration() > 0; }));
-    const QByteArray validatedA = readFile(cacheFile(tree, QStringLiteral("proxy-v1-validated-catalog-manifest.json")));
+    const QByteArray validatedA = readFile(cacheFile(tree, validatedManifest));
     const auto formulaeBefore = store.formulae();
 
-    service.publish(QStringLiteral("B"), formulaeA.mid(1), casksA.mid(1));
+    service.publish(u"B"_s, formulaeA.mid(1), casksA.mid(1));
     proxy.dieOnRequestFor("/v1/catalog/snapshots/B/cask.json");
     ASSERT_TRUE(settle(store, store.forceRefresh()));
     EXPECT_TRUE(proxy.hasDied());
     EXPECT_EQ(store.refreshErrorMessage(), refreshFailed);
     EXPECT_EQ(store.formulae(), formulaeBefore);
     EXPECT_EQ(store.allCasks().size(), 2);
-    EXPECT_EQ(readFile(cacheFile(tree, QStringLiteral("proxy-v1-validated-catalog-manifest.json"))), validatedA);
+    EXPECT_EQ(readFile(cacheFile(tree, validatedManifest)), validatedA);
     // The fetched manifest already follows the server.
-    EXPECT_TRUE(
-        readFile(cacheFile(tree, QStringLiteral("proxy-v1-catalog-manifest.json"))).contains("\"snapshotID\":\"B\""));
-    EXPECT_FALSE(QFile::exists(cacheFile(tree, snapshotCacheName(QStringLiteral("B"), HomebrewCatalogKind::cask))));
-    EXPECT_TRUE(QFile::exists(cacheFile(tree, snapshotCacheName(QStringLiteral("A"), HomebrewCatalogKind::cask))));
+    EXPECT_TRUE(readFile(cacheFile(tree, u"proxy-v1-catalog-manifest.json"_s)).contains("\"snapshotID\":\"B\""));
+    EXPECT_FALSE(QFile::exists(cacheFile(tree, snapshotCacheName(u"B"_s, HomebrewCatalogKind::cask))));
+    EXPECT_TRUE(QFile::exists(cacheFile(tree, snapshotCacheName(u"A"_s, HomebrewCatalogKind::cask))));
     // The failed attempt counts as a check: no retry from loadIfNeeded within the day.
     EXPECT_EQ(store.lastCheckDate(), clock);
     store.loadIfNeeded();
@@ -196,7 +184,7 @@ TEST(HomebrewCatalogStoreTest, ServerDyingBetweenTheSnapshotsKeepsTheOldCatalog)
 TEST(HomebrewCatalogStoreTest, SnapshotAlteredByOneByteIsRefusedAndNotWritten)
 {
     Fixture service;
-    service.publish(QStringLiteral("A"), formulaeA, casksA);
+    service.publish(u"A"_s, formulaeA, casksA);
     TempTree tree;
     QDateTime clock = QDateTime::fromSecsSinceEpoch(1750000000, Qt::UTC);
     StoreUnderTest s(service.baseURL(), tree.root(), &clock);
@@ -204,8 +192,8 @@ TEST(HomebrewCatalogStoreTest, SnapshotAlteredByOneByteIsRefusedAndNotWritten)
     store.loadIfNeeded();
     ASSERT_TRUE(waitUntil([&] { return s.idle() && store.catalogGeneration() > 0; }));
 
-    service.publish(QStringLiteral("B"), formulaeA, casksA.mid(1));
-    const QString served = service.snapshotFile(QStringLiteral("B"), QStringLiteral("cask"));
+    service.publish(u"B"_s, formulaeA, casksA.mid(1));
+    const QString served = service.snapshotFile(u"B"_s, u"cask"_s);
     QByteArray bytes = readFile(served);
     const qsizetype at = bytes.indexOf("iTerm2");
     ASSERT_GE(at, 0);
@@ -216,15 +204,14 @@ TEST(HomebrewCatalogStoreTest, SnapshotAlteredByOneByteIsRefusedAndNotWritten)
     ASSERT_TRUE(settle(store, store.forceRefresh()));
     EXPECT_EQ(store.refreshErrorMessage(), refreshFailed);
     EXPECT_EQ(store.allCasks().size(), 2);
-    EXPECT_FALSE(QFile::exists(cacheFile(tree, snapshotCacheName(QStringLiteral("B"), HomebrewCatalogKind::cask))));
-    EXPECT_TRUE(readFile(cacheFile(tree, QStringLiteral("proxy-v1-validated-catalog-manifest.json")))
-                    .contains("\"snapshotID\":\"A\""));
+    EXPECT_FALSE(QFile::exists(cacheFile(tree, snapshotCacheName(u"B"_s, HomebrewCatalogKind::cask))));
+    EXPECT_TRUE(readFile(cacheFile(tree, validatedManifest)).contains("\"snapshotID\":\"A\""));
 }
 
 TEST(HomebrewCatalogStoreTest, StartUpFromCacheVerifiesItAndFollowsTheDailyPolicy)
 {
     Fixture service;
-    service.publish(QStringLiteral("A"), formulaeA, casksA, installsA);
+    service.publish(u"A"_s, formulaeA, casksA, installsA);
     TempTree tree;
     const QDateTime start = QDateTime::fromSecsSinceEpoch(1750000000, Qt::UTC);
     QDateTime clock = start;
@@ -258,7 +245,7 @@ TEST(HomebrewCatalogStoreTest, StartUpFromCacheVerifiesItAndFollowsTheDailyPolic
 TEST(HomebrewCatalogStoreTest, CorruptCacheAtStartShowsItsMessageAndStillRefreshes)
 {
     Fixture service;
-    service.publish(QStringLiteral("A"), formulaeA, casksA);
+    service.publish(u"A"_s, formulaeA, casksA);
     TempTree tree;
     QDateTime clock = QDateTime::fromSecsSinceEpoch(1750000000, Qt::UTC);
     {
@@ -267,16 +254,16 @@ TEST(HomebrewCatalogStoreTest, CorruptCacheAtStartShowsItsMessageAndStillRefresh
         ASSERT_TRUE(waitUntil([&] { return s.idle() && s.store->catalogGeneration() > 0; }));
     }
     // Same size, one byte different: only the hash can tell.
-    const QString cached = cacheFile(tree, snapshotCacheName(QStringLiteral("A"), HomebrewCatalogKind::formula));
+    const QString cached = cacheFile(tree, snapshotCacheName(u"A"_s, HomebrewCatalogKind::formula));
     QByteArray bytes = readFile(cached);
     bytes[bytes.indexOf("wget")] = 'W';
     overwrite(cached, bytes);
-    tree.writeFile(QStringLiteral("cache/refresh-state.json"), "{\"lastCheckDate\":");
+    tree.writeFile(u"cache/refresh-state.json"_s, "{\"lastCheckDate\":");
 
     // Offline: the refresh that follows fails too, and nothing is on show.
     QTcpServer closed;
     ASSERT_TRUE(closed.listen(QHostAddress::LocalHost, 0));
-    const QString deadBase = QStringLiteral("http://127.0.0.1:%1").arg(closed.serverPort());
+    const QString deadBase = u"http://127.0.0.1:%1"_s.arg(closed.serverPort());
     closed.close();
     StoreUnderTest offline(deadBase, tree.root(), &clock);
     QStringList messages;
@@ -298,35 +285,17 @@ TEST(HomebrewCatalogStoreTest, CorruptCacheAtStartShowsItsMessageAndStillRefresh
     ASSERT_TRUE(waitUntil([&] { return online.idle() && online.store->refreshErrorMessage() == refreshFailed; }));
     EXPECT_TRUE(online.store->allFormulae().isEmpty());
     // The catalog is empty, so the next appearance tries again at once; a new pair heals it.
-    service.publish(QStringLiteral("B"), formulaeA, casksA);
+    service.publish(u"B"_s, formulaeA, casksA);
     online.store->loadIfNeeded();
     ASSERT_TRUE(waitUntil([&] { return online.idle() && online.store->catalogGeneration() > 0; }));
     EXPECT_FALSE(online.store->refreshErrorMessage().has_value());
     EXPECT_EQ(online.store->allFormulae().size(), 3);
 }
 
-TEST(HomebrewCatalogStoreTest, FirstRunOfflineRetriesOnTheNextAppearance)
-{
-    TempTree tree;
-    QTcpServer closed;
-    ASSERT_TRUE(closed.listen(QHostAddress::LocalHost, 0));
-    const QString deadBase = QStringLiteral("http://127.0.0.1:%1").arg(closed.serverPort());
-    closed.close();
-    QDateTime clock = QDateTime::fromSecsSinceEpoch(1750000000, Qt::UTC);
-    StoreUnderTest s(deadBase, tree.root(), &clock);
-    s.store->loadIfNeeded();
-    ASSERT_TRUE(waitUntil([&] { return s.idle() && s.store->refreshErrorMessage().has_value(); }));
-    EXPECT_EQ(s.store->refreshErrorMessage(), refreshFailed);
-    EXPECT_EQ(s.store->lastCheckDate(), clock);
-    s.store->loadIfNeeded();
-    EXPECT_TRUE(s.store->isRefreshing() || s.store->hasLoadTask());
-    ASSERT_TRUE(waitUntil([&] { return s.idle(); }));
-}
-
 TEST(HomebrewCatalogStoreTest, DestroyingTheStoreAtAnyPointOfALoadIsSafe)
 {
     Fixture service;
-    service.publish(QStringLiteral("A"), formulaeA, casksA, installsA);
+    service.publish(u"A"_s, formulaeA, casksA, installsA);
     QDateTime clock = QDateTime::fromSecsSinceEpoch(1750000000, Qt::UTC);
     // Quitting can come at any moment of a load: during the manifest, the two snapshot
     // fetches, their validation or the cache writes. Each round stops one event later.

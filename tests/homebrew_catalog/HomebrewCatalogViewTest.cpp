@@ -167,11 +167,6 @@ TEST_F(CatalogViewTest, ColumnTogglesHideColumnsUntilOnlyTheNameRemains)
     HomebrewPackageTable* table = view->catalogTable();
     const QList<QCheckBox*>& switches = view->columnsPanel()->switches();
     ASSERT_EQ(switches.size(), 5);
-    QStringList titles;
-    for (QCheckBox* box : switches)
-        titles << box->text();
-    EXPECT_EQ(titles,
-              (QStringList {u"Description"_s, u"Current Version"_s, u"30 Days"_s, u"90 Days"_s, u"365 Days"_s}));
     for (QCheckBox* box : switches)
         if (box->isChecked())
             box->click();

@@ -8,13 +8,14 @@
 #include "testsupport/TestEnvironment.h"
 
 using namespace quillbay;
+using namespace Qt::StringLiterals;
 using Kind = HomebrewCatalogKind;
 
 namespace {
 
 QByteArray readShared(const QString& shared, const QString& relative)
 {
-    QFile file(shared + QStringLiteral("/homebrew/") + relative);
+    QFile file(shared + u"/homebrew/"_s + relative);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
@@ -55,20 +56,20 @@ TEST(HomebrewPackageDetailTest, JSONValueDecodesInItsOrderAndRoundTrips)
     };
     const Row rows[] = {
         {"null", HomebrewJSONValue::Case::null, "null", {}},
-        {"true", HomebrewJSONValue::Case::boolean, "true", {QStringLiteral("true")}},
-        {"42", HomebrewJSONValue::Case::integer, "42", {QStringLiteral("42")}},
-        {"2.0", HomebrewJSONValue::Case::integer, "2", {QStringLiteral("2")}},
-        {"-7", HomebrewJSONValue::Case::integer, "-7", {QStringLiteral("-7")}},
+        {"true", HomebrewJSONValue::Case::boolean, "true", {u"true"_s}},
+        {"42", HomebrewJSONValue::Case::integer, "42", {u"42"_s}},
+        {"2.0", HomebrewJSONValue::Case::integer, "2", {u"2"_s}},
+        {"-7", HomebrewJSONValue::Case::integer, "-7", {u"-7"_s}},
         {"18446744073709551615", HomebrewJSONValue::Case::number, "1.8446744073709552e+19", {}},
-        {"\"text\"", HomebrewJSONValue::Case::string, "\"text\"", {QStringLiteral("text")}},
+        {"\"text\"", HomebrewJSONValue::Case::string, "\"text\"", {u"text"_s}},
         {"[\"a\",[1,null],{\"k\":\"v\"}]",
          HomebrewJSONValue::Case::array,
          "[\"a\",[1,null],{\"k\":\"v\"}]",
-         {QStringLiteral("a"), QStringLiteral("1"), QStringLiteral("k: v")}},
+         {u"a"_s, u"1"_s, u"k: v"_s}},
         {"{\"b\":[\"x\",\"y\"],\"a\":true,\"n\":null}",
          HomebrewJSONValue::Case::object,
          "{\"a\":true,\"b\":[\"x\",\"y\"],\"n\":null}",
-         {QStringLiteral("a: true"), QStringLiteral("b: x"), QStringLiteral("b: y")}},
+         {u"a: true"_s, u"b: x"_s, u"b: y"_s}},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.json);
@@ -80,7 +81,7 @@ TEST(HomebrewPackageDetailTest, JSONValueDecodesInItsOrderAndRoundTrips)
         }
     }
     EXPECT_EQ(valueOf("{\"z\":{\"q\":\"deep\"},\"a\":[\"x\",{\"k\":\"y\"}]}").dependencyTokens(),
-              (QStringList {QStringLiteral("x"), QStringLiteral("y"), QStringLiteral("deep")}));
+              (QStringList {u"x"_s, u"y"_s, u"deep"_s}));
 }
 
 TEST(HomebrewPackageDetailTest, FormulaWithOnlyANameAndOptionalShapes)
@@ -90,40 +91,37 @@ TEST(HomebrewPackageDetailTest, FormulaWithOnlyANameAndOptionalShapes)
     EXPECT_TRUE(bare.requirementLines().isEmpty());
     EXPECT_EQ(bare.currentVersionText(), u"\u2014");
     EXPECT_EQ(bare.installCommand(), u"brew install tiny");
-    EXPECT_EQ(bare.id(), u"formula:tiny");
     EXPECT_FALSE(bare.replacementRoute().has_value());
 
+    // `version` is the version text shown; null when the document is refused.
     struct Row
     {
         const char* name;
         QByteArray json;
-        bool ok;
-        QString version;
+        const char* version;
     };
+    const char* dash = "\u2014";
     const Row rows[] = {
         {"keg_only_reason object", R"({"name":"a","keg_only_reason":{"reason":":provided_by_macos","explanation":""}})",
-         true, QStringLiteral("\u2014")},
-        {"keg_only_reason text", R"({"name":"a","keg_only_reason":"versioned"})", true, QStringLiteral("\u2014")},
-        {"keg_only_reason null", R"({"name":"a","keg_only_reason":null})", true, QStringLiteral("\u2014")},
-        {"revision 0 shows the bare version", R"({"name":"a","versions":{"stable":"1.2"},"revision":0})", true,
-         QStringLiteral("1.2")},
-        {"revision 2", R"({"name":"a","versions":{"stable":"1.2","head":null},"revision":2})", true,
-         QStringLiteral("1.2_2")},
-        {"revision without a stable version", R"({"name":"a","versions":{"head":"HEAD"},"revision":3})", true,
-         QStringLiteral("\u2014")},
-        {"missing name", R"({"full_name":"a"})", false, {}},
-        {"name null", R"({"name":null})", false, {}},
-        {"desc of the wrong type", R"({"name":"a","desc":5})", false, {}},
-        {"dependencies with a number", R"({"name":"a","dependencies":["x",1]})", false, {}},
-        {"revision as text", R"({"name":"a","revision":"1"})", false, {}},
-        {"not an object", R"(["name"])", false, {}},
+         dash},
+        {"keg_only_reason text", R"({"name":"a","keg_only_reason":"versioned"})", dash},
+        {"keg_only_reason null", R"({"name":"a","keg_only_reason":null})", dash},
+        {"revision 0 shows the bare version", R"({"name":"a","versions":{"stable":"1.2"},"revision":0})", "1.2"},
+        {"revision 2", R"({"name":"a","versions":{"stable":"1.2","head":null},"revision":2})", "1.2_2"},
+        {"revision without a stable version", R"({"name":"a","versions":{"head":"HEAD"},"revision":3})", dash},
+        {"missing name", R"({"full_name":"a"})", nullptr},
+        {"name null", R"({"name":null})", nullptr},
+        {"desc of the wrong type", R"({"name":"a","desc":5})", nullptr},
+        {"dependencies with a number", R"({"name":"a","dependencies":["x",1]})", nullptr},
+        {"revision as text", R"({"name":"a","revision":"1"})", nullptr},
+        {"not an object", R"(["name"])", nullptr},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         const auto result = decodeDetail(Kind::formula, row.json);
-        ASSERT_EQ(result.ok(), row.ok);
-        if (row.ok) {
-            EXPECT_EQ(result.value().currentVersionText(), row.version);
+        ASSERT_EQ(result.ok(), row.version != nullptr);
+        if (row.version) {
+            EXPECT_EQ(result.value().currentVersionText(), QString::fromUtf8(row.version));
         } else {
             EXPECT_TRUE(result.error().isDecodingError());
         }
@@ -146,16 +144,14 @@ TEST(HomebrewPackageDetailTest, FormulaSectionsRequirementsAndReplacement)
         "disabled":false})");
     const auto sections = detail.dependencySections();
     ASSERT_EQ(sections.size(), 4);
-    EXPECT_EQ(sections[0],
-              (HomebrewDependencySection {QStringLiteral("Dependencies"), routes({{Kind::formula, "openssl@3"}})}));
+    EXPECT_EQ(sections[0], (HomebrewDependencySection {u"Dependencies"_s, routes({{Kind::formula, "openssl@3"}})}));
     EXPECT_EQ(sections[1].title, u"Build Dependencies");
     EXPECT_EQ(sections[1].routes, routes({{Kind::formula, "pkgconf"}, {Kind::formula, "cmake"}}));
     EXPECT_EQ(sections[2].title, u"Optional Dependencies");
     EXPECT_EQ(sections[3].title, u"Test Dependencies");
     EXPECT_EQ(detail.requirementLines(),
-              (QStringList {QStringLiteral("contexts: build"), QStringLiteral("name: xcode"),
-                            QStringLiteral("version: 14.0"), QStringLiteral("linux")}));
-    EXPECT_EQ(detail.replacementRoute(), (HomebrewPackageRoute {Kind::formula, QStringLiteral("tool2")}));
+              (QStringList {u"contexts: build"_s, u"name: xcode"_s, u"version: 14.0"_s, u"linux"_s}));
+    EXPECT_EQ(detail.replacementRoute(), (HomebrewPackageRoute {Kind::formula, u"tool2"_s}));
 
     struct Row
     {
@@ -166,12 +162,12 @@ TEST(HomebrewPackageDetailTest, FormulaSectionsRequirementsAndReplacement)
     const Row rows[] = {
         {"disable formula wins", R"({"name":"a","deprecation_replacement_formula":"d","disable_replacement_formula":"x",
           "disable_replacement_cask":"c"})",
-         HomebrewPackageRoute {Kind::formula, QStringLiteral("x")}},
+         HomebrewPackageRoute {Kind::formula, u"x"_s}},
         {"formula over cask", R"({"name":"a","disable_replacement_cask":"c","deprecation_replacement_formula":"d"})",
-         HomebrewPackageRoute {Kind::formula, QStringLiteral("d")}},
+         HomebrewPackageRoute {Kind::formula, u"d"_s}},
         {"disable cask over deprecation cask",
          R"({"name":"a","deprecation_replacement_cask":"old","disable_replacement_cask":"new"})",
-         HomebrewPackageRoute {Kind::cask, QStringLiteral("new")}},
+         HomebrewPackageRoute {Kind::cask, u"new"_s}},
         {"none", R"({"name":"a","deprecation_replacement_formula":null})", std::nullopt},
     };
     for (const Row& row : rows) {
@@ -185,7 +181,7 @@ TEST(HomebrewPackageDetailTest, CaskDependenciesAndRequirementLines)
     const HomebrewPackageDetail macOnly
         = decoded(Kind::cask, R"({"token":"app","depends_on":{"macos":{">=":["10.15"]}}})");
     EXPECT_TRUE(macOnly.dependencySections().isEmpty());
-    EXPECT_EQ(macOnly.requirementLines(), QStringList {QStringLiteral("macos: >=: 10.15")});
+    EXPECT_EQ(macOnly.requirementLines(), QStringList {u"macos: >=: 10.15"_s});
     EXPECT_EQ(macOnly.currentVersionText(), u"\u2014");
     EXPECT_EQ(macOnly.installCommand(), u"brew install --cask app");
 
@@ -197,7 +193,7 @@ TEST(HomebrewPackageDetailTest, CaskDependenciesAndRequirementLines)
     EXPECT_EQ(sections[0].routes, routes({{Kind::formula, "wget"}, {Kind::formula, "curl"}}));
     EXPECT_EQ(sections[1].title, u"Cask Dependencies");
     EXPECT_EQ(sections[1].routes, routes({{Kind::cask, "helper"}}));
-    EXPECT_EQ(both.requirementLines(), (QStringList {QStringLiteral("arch: arm64"), QStringLiteral("arch: x86_64")}));
+    EXPECT_EQ(both.requirementLines(), (QStringList {u"arch: arm64"_s, u"arch: x86_64"_s}));
     EXPECT_EQ(both.currentVersionText(), u"8.0,6300");
 
     EXPECT_FALSE(decodeDetail(Kind::cask, R"({"token":"a","depends_on":["macos"]})").ok());
@@ -208,25 +204,23 @@ TEST(HomebrewPackageDetailTest, CaskDependenciesAndRequirementLines)
 TEST(HomebrewPackageDetailTest, RealDocumentsDecode)
 {
     QUILLBAY_REQUIRE_SHARED_DATA(shared);
-    const HomebrewPackageDetail abook
-        = decoded(Kind::formula, readShared(shared, QStringLiteral("api/formula/abook.json")));
+    const HomebrewPackageDetail abook = decoded(Kind::formula, readShared(shared, u"api/formula/abook.json"_s));
     EXPECT_EQ(abook.currentVersionText(), u"0.6.1");
     EXPECT_EQ(abook.formula()->license,
               QStringLiteral("GPL-2.0-only and GPL-2.0-or-later and GPL-3.0-or-later and "
                              "Public Domain and X11"));
 
-    const HomebrewPackageDetail typora
-        = decoded(Kind::cask, readShared(shared, QStringLiteral("api/cask/typora.json")));
-    EXPECT_EQ(typora.requirementLines(), QStringList {QStringLiteral("macos: >=: 10.13")});
+    const HomebrewPackageDetail typora = decoded(Kind::cask, readShared(shared, u"api/cask/typora.json"_s));
+    EXPECT_EQ(typora.requirementLines(), QStringList {u"macos: >=: 10.13"_s});
     EXPECT_EQ(typora.currentVersionText(), u"1.4.4");
 
     const HomebrewPackageDetail everything
-        = decoded(Kind::cask, readShared(shared, QStringLiteral("brew-fixtures/cask/everything.json")));
+        = decoded(Kind::cask, readShared(shared, u"brew-fixtures/cask/everything.json"_s));
     ASSERT_EQ(everything.dependencySections().size(), 1);
     EXPECT_EQ(everything.dependencySections()[0].routes, routes({{Kind::cask, "something"}}));
-    EXPECT_EQ(everything.cask()->names, QStringList {QStringLiteral("Everything")});
+    EXPECT_EQ(everything.cask()->names, QStringList {u"Everything"_s});
 
-    const auto info = nlohmann::json::parse(readShared(shared, QStringLiteral("api/brew-info-json-v2-installed.json")));
+    const auto info = nlohmann::json::parse(readShared(shared, u"api/brew-info-json-v2-installed.json"_s));
     QStringList versions;
     for (const auto& formula : info["formulae"]) {
         const HomebrewPackageDetail detail = decoded(Kind::formula, QByteArray::fromStdString(formula.dump()));
@@ -234,13 +228,13 @@ TEST(HomebrewPackageDetailTest, RealDocumentsDecode)
         if (detail.formula()->name == u"ruby") {
             ASSERT_TRUE(detail.formula()->kegOnlyReason.has_value());
             EXPECT_EQ(detail.formula()->kegOnlyReason->displayStrings(),
-                      (QStringList {QStringLiteral("explanation: "), QStringLiteral("reason: :provided_by_macos")}));
+                      (QStringList {u"explanation: "_s, u"reason: :provided_by_macos"_s}));
             EXPECT_EQ(detail.dependencySections()[0].routes,
                       routes({{Kind::formula, "libyaml"}, {Kind::formula, "openssl@3"}}));
         }
     }
-    EXPECT_TRUE(versions.contains(QStringLiteral("1.16.2_1"))); // cocoapods, revision 1
-    EXPECT_TRUE(versions.contains(QStringLiteral("3.5.1")));
+    EXPECT_TRUE(versions.contains(u"1.16.2_1"_s)); // cocoapods, revision 1
+    EXPECT_TRUE(versions.contains(u"3.5.1"_s));
     for (const auto& cask : info["casks"])
         EXPECT_TRUE(decodeDetail(Kind::cask, QByteArray::fromStdString(cask.dump())).ok());
 }

@@ -78,12 +78,6 @@ TEST(HomebrewPackageTableModel, CellsShowWhatEachColumnPromises)
         EXPECT_EQ(model.index(row, 0).data(Qt::AccessibleTextRole).toString(), QString::fromUtf8(c.accessible));
         EXPECT_EQ(model.index(row, description).data(Qt::ToolTipRole).toString(), c.row.summary);
     }
-    QStringList headers;
-    for (int column = 0; column < model.columnCount(); ++column)
-        headers << model.headerData(column, Qt::Horizontal, Qt::DisplayRole).toString();
-    EXPECT_EQ(
-        headers,
-        (QStringList {u"Name"_s, u"Description"_s, u"Current Version"_s, u"30 Days"_s, u"90 Days"_s, u"365 Days"_s}));
     QLocale::setDefault(QLocale::c());
 }
 

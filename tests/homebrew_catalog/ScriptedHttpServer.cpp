@@ -9,6 +9,8 @@
 
 namespace quillbay::test {
 
+using namespace Qt::StringLiterals;
+
 ScriptedHttpServer::ScriptedHttpServer()
 {
     m_server.setMissingHandler([this](const QHttpServerRequest& request, QHttpServerResponder&& responder) {
@@ -32,7 +34,7 @@ ScriptedHttpServer::~ScriptedHttpServer() = default;
 
 QString ScriptedHttpServer::baseURL() const
 {
-    return QStringLiteral("http://127.0.0.1:%1").arg(m_port);
+    return u"http://127.0.0.1:%1"_s.arg(m_port);
 }
 
 } // namespace quillbay::test
