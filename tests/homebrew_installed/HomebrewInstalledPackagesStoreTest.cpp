@@ -367,21 +367,3 @@ TEST_F(HomebrewInstalledPackagesStoreTest, PermissionTroubleBelowAndAtTheRoot)
     EXPECT_EQ(store->casks().size(), 3);
     EXPECT_TRUE(m_workspace.revealed.isEmpty());
 }
-
-TEST_F(HomebrewInstalledPackagesStoreTest, ThePanelOpensAtAnInstalledPrefix)
-{
-    m_tree.writeFile(u"home/.linuxbrew/bin/brew"_s, "#!/bin/sh\n");
-    auto store = makeStore();
-    // The system prefixes may hold a Homebrew too; the first candidate with bin/brew wins.
-    const QStringList candidates = UserPaths::forHome(m_tree.path(u"home"_s)).homebrewRootCandidates();
-    ASSERT_TRUE(candidates.contains(store->suggestedRootDirectory()));
-    const auto firstWithBrew = std::find_if(candidates.cbegin(), candidates.cend(),
-                                            [](const QString& c) { return QFile::exists(c + u"/bin/brew"_s); });
-    if (firstWithBrew != candidates.cend()) {
-        EXPECT_EQ(store->suggestedRootDirectory(), *firstWithBrew);
-    }
-    m_pickers.answers.push_back(std::nullopt);
-    store->chooseRoot();
-    ASSERT_TRUE(waitUntil([&] { return !store->isChoosingRoot(); }));
-    EXPECT_EQ(m_pickers.requests.last().directory, store->suggestedRootDirectory());
-}

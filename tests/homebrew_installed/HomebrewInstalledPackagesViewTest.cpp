@@ -155,7 +155,6 @@ TEST_F(HomebrewInstalledPackagesViewTest, SearchShowsSearchingThenTheFilteredRow
     };
     const Case cases[] = {
         {u"JSON"_s, HomebrewCatalogKind::formula, State::noSearchResults, {}}, // jq is not installed
-        {u"http server"_s, HomebrewCatalogKind::formula, State::table, {u"curl"_s}},
         {u"0.1"_s, HomebrewCatalogKind::formula, State::table, {u"localtool"_s}},
         // Switching the kind under a live search shows the other filtered list at once.
         {u"0.1"_s, HomebrewCatalogKind::cask, State::noSearchResults, {}},

