@@ -138,6 +138,13 @@ TEST_F(HomebrewInstalledPackageDetailSectionsTest, ShowInFinderRevealsOnlyInside
         {"a row pointing out through ..",
          [this](HomebrewInstalledPackage& package) { package.installationURL = root() + u"/Caskroom/../../home"_s; },
          u"The installation folder is outside the authorized Homebrew root."_s},
+        {"a link inside the root pointing out",
+         [this](HomebrewInstalledPackage& package) {
+             tree().mkdir(u"away/1.0"_s);
+             tree().symlink(u"brew/Caskroom/escape"_s, u"../../away"_s);
+             package.installationURL = root() + u"/Caskroom/escape/1.0"_s;
+         },
+         u"The installation folder is outside the authorized Homebrew root."_s},
         {"authorization removed in settings", [this](HomebrewInstalledPackage&) { installed->removeAuthorization(); },
          u"Authorize the Homebrew root folder again."_s},
     };

@@ -1,11 +1,11 @@
 #include <QDir>
 #include <QScopeGuard>
+#include <QSemaphore>
 #include <QSignalSpy>
 #include <QStringList>
 
 #include <gtest/gtest.h>
 
-#include "GatedProcessor.h"
 #include "UnprivilegedUser.h"
 #include "foundation/Defaults.h"
 #include "homebrew_installed/HomebrewInstalledPackagesStore.h"
@@ -22,6 +22,24 @@ namespace {
 
 const QString kKey = QLatin1String(HomebrewInstalledPackagesStore::rootBookmarkKey);
 
+// The real processor behind a gate: each call waits for a permit, so a test can change the
+// store while a call is provably still running.
+class GatedProcessor final : public HomebrewInstalledPackageProcessor
+{
+public:
+    HomebrewInstalledPackageLists process(const QList<HomebrewInstalledPackage>& rawPackages,
+                                          const HomebrewPackageSummaries& catalogSummaries,
+                                          const QString& searchText,
+                                          std::stop_token stopToken) const override
+    {
+        ++started;
+        gate.acquire();
+        return HomebrewInstalledPackageProcessor::process(rawPackages, catalogSummaries, searchText, stopToken);
+    }
+    mutable QSemaphore gate;
+    mutable std::atomic<int> started {0};
+};
+
 QStringList rows(const QList<HomebrewInstalledPackage>& packages)
 {
     QStringList out;
@@ -30,28 +48,21 @@ QStringList rows(const QList<HomebrewInstalledPackage>& packages)
     return out;
 }
 
-HomebrewPackageSummary summary(HomebrewCatalogKind kind,
-                               const QString& identifier,
-                               const QString& displayName,
-                               const QString& version,
-                               const QStringList& aliases = {})
-{
-    HomebrewPackageSummary s;
-    s.kind = kind;
-    s.identifier = identifier;
-    s.displayName = displayName;
-    s.version = version;
-    s.aliases = aliases;
-    return s;
-}
-
 HomebrewPackageSummaries catalog()
 {
     HomebrewPackageSummaries result;
-    for (const auto& s : {summary(HomebrewCatalogKind::formula, u"wget"_s, u"wget"_s, u"1.25.0"_s),
-                          summary(HomebrewCatalogKind::formula, u"jq"_s, u"jq"_s, u"1.7.1"_s, {u"jquery-cli"_s}),
-                          summary(HomebrewCatalogKind::cask, u"firefox"_s, u"Mozilla Firefox"_s, u"129.0"_s)})
-        result.insert(s.route(), s);
+    const auto add = [&result](HomebrewCatalogKind kind, const QString& identifier, const QString& name,
+                               const QString& version, const QStringList& aliases = {}) {
+        HomebrewPackageSummary& s = result[HomebrewPackageRoute {kind, identifier}];
+        s.kind = kind;
+        s.identifier = identifier;
+        s.displayName = name;
+        s.version = version;
+        s.aliases = aliases;
+    };
+    add(HomebrewCatalogKind::formula, u"wget"_s, u"wget"_s, u"1.25.0"_s);
+    add(HomebrewCatalogKind::formula, u"jq"_s, u"jq"_s, u"1.7.1"_s, {u"jquery-cli"_s});
+    add(HomebrewCatalogKind::cask, u"firefox"_s, u"Mozilla Firefox"_s, u"129.0"_s);
     return result;
 }
 
@@ -63,30 +74,30 @@ protected:
         UnprivilegedUser::makeReachable(m_tree.root());
         m_root = m_tree.path(u"brew"_s);
         m_tree.writeFile(u"brew/bin/brew"_s, "#!/bin/sh\n");
-        m_tree.mkdir(u"brew/Cellar/wget/1.24.5"_s);
-        m_tree.mkdir(u"brew/Cellar/wget/1.25.0"_s);
-        m_tree.mkdir(u"brew/Cellar/jq/1.7.1"_s);
-        m_tree.mkdir(u"brew/Caskroom/firefox/128.0"_s);
-        m_tree.mkdir(u"brew/Caskroom/unlisted-app/1.0"_s);
+        for (const QString& folder : {u"Cellar/wget/1.24.5"_s, u"Cellar/wget/1.25.0"_s, u"Cellar/jq/1.7.1"_s,
+                                      u"Caskroom/firefox/128.0"_s, u"Caskroom/unlisted-app/1.0"_s})
+            m_tree.mkdir(u"brew/"_s + folder);
         m_tree.mkdir(u"home"_s);
         m_defaults = std::make_unique<SettingsDefaults>(m_tree.path(u"defaults.ini"_s));
     }
 
-    std::unique_ptr<HomebrewInstalledPackagesStore> makeStore()
+    std::unique_ptr<HomebrewInstalledPackagesStore>
+    makeStore(std::unique_ptr<HomebrewInstalledPackageProcessor> processor
+              = std::make_unique<HomebrewInstalledPackageProcessor>())
     {
         return std::make_unique<HomebrewInstalledPackagesStore>(
             *m_defaults, kKey, std::make_unique<HomebrewInstallationBookmarkService>(),
-            std::make_unique<HomebrewInstallationScanner>(), std::make_unique<HomebrewInstalledPackageProcessor>(),
-            m_pickers, m_workspace, UserPaths::forHome(m_tree.path(u"home"_s)));
+            std::make_unique<HomebrewInstallationScanner>(), std::move(processor), m_pickers, m_workspace,
+            UserPaths::forHome(m_tree.path(u"home"_s)));
     }
 
-    // Authorizes the test root through the folder panel and waits for the joined lists.
-    void authorizeThroughPanel(HomebrewInstalledPackagesStore& store)
+    // Authorizes the test root through the folder panel and waits for the lists.
+    void authorizeThroughPanel(HomebrewInstalledPackagesStore& store, int formulae = 3)
     {
         m_pickers.answers.push_back(m_root);
         store.chooseRoot();
         ASSERT_TRUE(store.isChoosingRoot());
-        ASSERT_TRUE(waitUntil([&] { return !store.isChoosingRoot() && !store.casks().isEmpty(); }));
+        ASSERT_TRUE(waitUntil([&] { return idle(store) && store.formulae().size() == formulae; }));
     }
 
     static bool idle(const HomebrewInstalledPackagesStore& store)
@@ -95,59 +106,23 @@ protected:
             && !store.isFiltering();
     }
 
+    // Records the rows each packagesChanged publishes.
+    void record(HomebrewInstalledPackagesStore& store)
+    {
+        QObject::connect(&store, &HomebrewInstalledPackagesStore::packagesChanged, &m_context,
+                         [&] { m_published.append(rows(store.formulae()) + rows(store.casks())); });
+    }
+
     TempTree m_tree;
     QString m_root;
     std::unique_ptr<SettingsDefaults> m_defaults;
     ScriptedPickers m_pickers;
     RecordingWorkspace m_workspace;
+    QObject m_context;
+    QList<QStringList> m_published;
 };
 
 } // namespace
-
-TEST_F(HomebrewInstalledPackagesStoreTest, FirstVisitAuthorizesThenTheNextLaunchRestoresAndScansOnce)
-{
-    {
-        auto store = makeStore();
-        store->start(catalog());
-        ASSERT_TRUE(waitUntil([&] { return store->hasLoadedAuthorization(); }));
-        // Nothing stored: no panel opens by itself and nothing is scanned.
-        EXPECT_FALSE(store->isAuthorized());
-        EXPECT_FALSE(store->errorMessage().has_value());
-        EXPECT_TRUE(m_pickers.requests.isEmpty());
-
-        authorizeThroughPanel(*store);
-        ASSERT_EQ(m_pickers.requests.size(), 1);
-        EXPECT_EQ(m_pickers.requests[0].message, u"Choose the Homebrew root folder that contains bin/brew."_s);
-        EXPECT_EQ(m_pickers.requests[0].prompt, u"Choose"_s);
-        EXPECT_EQ(store->rootURL(), m_root);
-        EXPECT_TRUE(store->hasScannedThisLaunch());
-        EXPECT_FALSE(store->errorMessage().has_value());
-        ASSERT_TRUE(waitUntil([&] { return store->formulae().size() == 3; }));
-        EXPECT_EQ(rows(store->formulae()), (QStringList {u"jq 1.7.1"_s, u"wget 1.25.0"_s, u"wget 1.24.5"_s}));
-        EXPECT_EQ(rows(store->casks()), (QStringList {u"Mozilla Firefox 128.0"_s, u"unlisted-app 1.0"_s}));
-        EXPECT_TRUE(m_defaults->contains(kKey));
-        m_defaults->sync();
-    }
-
-    // Next launch: the bookmark is restored and the root scanned once, by itself.
-    m_tree.mkdir(u"brew/Cellar/jq/1.8.0"_s);
-    m_defaults = std::make_unique<SettingsDefaults>(m_tree.path(u"defaults.ini"_s));
-    auto store = makeStore();
-    store->start(catalog());
-    ASSERT_TRUE(waitUntil([&] { return store->formulae().size() == 4 && idle(*store); }));
-    EXPECT_EQ(store->rootURL(), m_root);
-    EXPECT_EQ(m_pickers.requests.size(), 1);
-
-    // Coming back to the screen does not scan again; only a rescan sees new folders.
-    m_tree.mkdir(u"brew/Cellar/jq/1.9.0"_s);
-    store->start(catalog());
-    QSignalSpy packages(store.get(), &HomebrewInstalledPackagesStore::packagesChanged);
-    EXPECT_FALSE(packages.wait(300));
-    EXPECT_EQ(store->formulae().size(), 4);
-    store->rescan();
-    ASSERT_TRUE(waitUntil([&] { return store->formulae().size() == 5 && idle(*store); }));
-    EXPECT_EQ(rows(store->formulae()).mid(0, 3), (QStringList {u"jq 1.9.0"_s, u"jq 1.8.0"_s, u"jq 1.7.1"_s}));
-}
 
 TEST_F(HomebrewInstalledPackagesStoreTest, FailedAuthorizationKeepsTheFormerRoot)
 {
@@ -198,6 +173,27 @@ TEST_F(HomebrewInstalledPackagesStoreTest, ADeadBookmarkIsReportedAndDropped)
     EXPECT_TRUE(waitUntil([&] { return !m_defaults->contains(kKey); }));
 }
 
+TEST_F(HomebrewInstalledPackagesStoreTest, AFolderChosenWhileTheDeadBookmarkIsRestoredStands)
+{
+    // The restore, the scan and the save run on different executors, so their results may
+    // land in either order; repeat to meet both.
+    for (int attempt = 0; attempt < 8; ++attempt) {
+        SCOPED_TRACE(attempt);
+        m_defaults->setValue(kKey, QByteArray("a bookmark of a folder long gone"));
+        auto store = makeStore();
+        store->start({});
+        authorizeThroughPanel(*store);
+        ASSERT_TRUE(waitUntil([&] { return idle(*store) && store->hasLoadedAuthorization(); }));
+        EXPECT_EQ(store->rootURL(), m_root);
+        EXPECT_FALSE(store->errorMessage().has_value());
+        store.reset(); // drains every executor, so a late removal of the key would show now
+        ASSERT_TRUE(m_defaults->contains(kKey));
+        const auto restored = HomebrewInstallationBookmarkService().restoreRootURL(m_defaults->dataValue(kKey));
+        ASSERT_TRUE(std::holds_alternative<HomebrewInstallationBookmarkService::Restored>(restored));
+        EXPECT_EQ(std::get<HomebrewInstallationBookmarkService::Restored>(restored).path, m_root);
+    }
+}
+
 TEST_F(HomebrewInstalledPackagesStoreTest, AStaleBookmarkIsRenewedInTheDefaultsOnRestore)
 {
     {
@@ -224,75 +220,14 @@ TEST_F(HomebrewInstalledPackagesStoreTest, AStaleBookmarkIsRenewedInTheDefaultsO
     EXPECT_FALSE(FolderBookmark::resolve(after)->isStale);
 }
 
-TEST_F(HomebrewInstalledPackagesStoreTest, AFolderChosenWhileTheDeadBookmarkIsRestoredStands)
-{
-    // The restore, the scan and the save run on different executors, so their results may
-    // land in either order; repeat to meet both.
-    for (int attempt = 0; attempt < 8; ++attempt) {
-        SCOPED_TRACE(attempt);
-        m_defaults->setValue(kKey, QByteArray("a bookmark of a folder long gone"));
-        auto store = makeStore();
-        store->start({});
-        authorizeThroughPanel(*store);
-        ASSERT_TRUE(waitUntil([&] { return idle(*store) && store->hasLoadedAuthorization(); }));
-        EXPECT_EQ(store->rootURL(), m_root);
-        EXPECT_FALSE(store->errorMessage().has_value());
-        store.reset(); // drains every executor, so a late removal of the key would show now
-        ASSERT_TRUE(m_defaults->contains(kKey));
-        const auto restored = HomebrewInstallationBookmarkService().restoreRootURL(m_defaults->dataValue(kKey));
-        ASSERT_TRUE(std::holds_alternative<HomebrewInstallationBookmarkService::Restored>(restored));
-        EXPECT_EQ(std::get<HomebrewInstallationBookmarkService::Restored>(restored).path, m_root);
-    }
-}
-
-TEST_F(HomebrewInstalledPackagesStoreTest, ARemovedRootFolderFailsTheScanButKeepsTheBookmark)
-{
-    {
-        auto store = makeStore();
-        store->start({});
-        authorizeThroughPanel(*store);
-    }
-    // The bookmark resolves (the folder is there) but the folder is no Homebrew root now.
-    ASSERT_TRUE(QFile::remove(m_tree.path(u"brew/bin/brew"_s)));
-    auto store = makeStore();
-    store->start({});
-    ASSERT_TRUE(waitUntil([&] { return store->hasLoadedAuthorization() && idle(*store); }));
-    EXPECT_TRUE(store->isAuthorized());
-    EXPECT_FALSE(store->hasScannedThisLaunch());
-    EXPECT_EQ(store->errorMessage(), u"Choose a Homebrew root folder that contains bin/brew."_s);
-    EXPECT_TRUE(m_defaults->contains(kKey));
-}
-
-TEST_F(HomebrewInstalledPackagesStoreTest, AFailedRescanKeepsTheListsOnShow)
-{
-    auto store = makeStore();
-    store->start({});
-    authorizeThroughPanel(*store);
-    ASSERT_TRUE(waitUntil([&] { return store->formulae().size() == 3; }));
-    ASSERT_TRUE(QFile::remove(m_tree.path(u"brew/bin/brew"_s)));
-    store->rescan();
-    ASSERT_TRUE(waitUntil([&] { return idle(*store); }));
-    EXPECT_EQ(store->errorMessage(), u"Choose a Homebrew root folder that contains bin/brew."_s);
-    EXPECT_TRUE(store->hasScannedThisLaunch());
-    EXPECT_EQ(store->formulae().size(), 3);
-    EXPECT_EQ(store->rawPackages().size(), 5);
-}
-
 TEST_F(HomebrewInstalledPackagesStoreTest, CatalogChangesRejoinWithoutARescan)
 {
     auto store = makeStore();
     store->start({});
     authorizeThroughPanel(*store);
-    ASSERT_TRUE(waitUntil([&] { return store->casks().size() == 2; }));
-    EXPECT_EQ(rows(store->casks()), (QStringList {u"firefox 128.0"_s, u"unlisted-app 1.0"_s}));
-    EXPECT_FALSE(store->casks()[0].isPossiblyOutdated().has_value());
-
     store->updateCatalogSummaries(catalog());
     EXPECT_FALSE(store->isFiltering());
     ASSERT_TRUE(waitUntil([&] { return store->casks()[0].catalogSummary.has_value(); }));
-    EXPECT_EQ(rows(store->casks()), (QStringList {u"Mozilla Firefox 128.0"_s, u"unlisted-app 1.0"_s}));
-    EXPECT_EQ(store->casks()[0].isPossiblyOutdated(), true);
-    EXPECT_FALSE(store->casks()[1].catalogSummary.has_value());
     EXPECT_FALSE(store->isScanning());
 
     // The same catalog again is no change and starts no work.
@@ -313,171 +248,87 @@ TEST_F(HomebrewInstalledPackagesStoreTest, SearchIsDebouncedAndOnlyTheLastResult
     auto store = makeStore();
     store->start(catalog());
     authorizeThroughPanel(*store);
-    ASSERT_TRUE(waitUntil([&] { return idle(*store) && store->formulae().size() == 3; }));
-
-    QList<QStringList> published;
-    QObject context;
-    QObject::connect(store.get(), &HomebrewInstalledPackagesStore::packagesChanged, &context,
-                     [&] { published.append(rows(store->formulae()) + rows(store->casks())); });
+    record(*store);
 
     // Typing: the filter state shows at once, the lists change once, after the pause.
     for (const QString& text : {u"j"_s, u"jq"_s, u"jquery"_s}) {
         store->setSearchText(text);
         EXPECT_TRUE(store->isFiltering());
-        EXPECT_TRUE(store->hasSearchText());
     }
     // Nothing happens during the pause (a timer never fires early by this much).
     QSignalSpy early(store.get(), &HomebrewInstalledPackagesStore::packagesChanged);
     EXPECT_FALSE(early.wait(100));
     EXPECT_EQ(store->formulae().size(), 3);
     ASSERT_TRUE(waitUntil([&] { return !store->isFiltering(); }));
-    EXPECT_EQ(published, (QList<QStringList> {{u"jq 1.7.1"_s}}));
+    EXPECT_EQ(m_published, (QList<QStringList> {{u"jq 1.7.1"_s}}));
 
     // Switching the kind shows the other filtered list without new work.
-    store->setSelectedKind(HomebrewCatalogKind::formula);
-    EXPECT_EQ(rows(store->currentPackages()), (QStringList {u"jq 1.7.1"_s}));
     store->setSelectedKind(HomebrewCatalogKind::cask);
     EXPECT_TRUE(store->currentPackages().isEmpty());
-    EXPECT_EQ(published.size(), 1);
+    EXPECT_EQ(m_published.size(), 1);
 
-    // Blanks are no search: nothing is filtered and the work is not delayed.
-    store->setSearchText(u"  \t "_s);
-    EXPECT_FALSE(store->hasSearchText());
-    EXPECT_FALSE(store->isFiltering());
-    ASSERT_TRUE(waitUntil([&] { return published.size() == 2; }));
-    EXPECT_EQ(published.last().size(), 5);
-}
-
-TEST_F(HomebrewInstalledPackagesStoreTest, ANewerChangeDropsTheResultOfARunningProcess)
-{
-    auto control = std::make_shared<GatedProcessor::Control>();
-    control->gate.release(1); // the processing after the first scan
-    auto store = std::make_unique<HomebrewInstalledPackagesStore>(
-        *m_defaults, kKey, std::make_unique<HomebrewInstallationBookmarkService>(),
-        std::make_unique<HomebrewInstallationScanner>(), std::make_unique<GatedProcessor>(control), m_pickers,
-        m_workspace, UserPaths::forHome(m_tree.path(u"home"_s)));
-    // Whatever happens below, no call may stay blocked when the store drains its executors.
-    const auto openGate = qScopeGuard([&] { control->gate.release(100); });
-    store->start({});
-    authorizeThroughPanel(*store);
-    ASSERT_TRUE(waitUntil([&] { return idle(*store) && store->formulae().size() == 3; }));
-
-    QList<QStringList> published;
-    QObject context;
-    QObject::connect(store.get(), &HomebrewInstalledPackagesStore::packagesChanged, &context,
-                     [&] { published.append(rows(store->formulae()) + rows(store->casks())); });
-
-    // The join is running (held at the gate) when a search supersedes it; the search's own
-    // call queues behind it on the processor.
-    store->updateCatalogSummaries(catalog());
-    ASSERT_TRUE(waitUntil([&] { return control->started == 2; }));
-    store->setSearchText(u"firefox"_s);
-    QSignalSpy none(store.get(), &HomebrewInstalledPackagesStore::packagesChanged);
-    EXPECT_FALSE(none.wait(400)); // the pause passes; the search's call waits its turn
-    EXPECT_EQ(control->started, 2);
-    EXPECT_TRUE(store->isFiltering());
-    control->gate.release(2);
-    ASSERT_TRUE(waitUntil([&] { return !store->isFiltering(); }));
-    QSignalSpy more(store.get(), &HomebrewInstalledPackagesStore::packagesChanged);
-    EXPECT_FALSE(more.wait(200));
-    EXPECT_EQ(published, (QList<QStringList> {{u"Mozilla Firefox 128.0"_s}}));
-    EXPECT_EQ(control->started, 3);
-}
-
-TEST_F(HomebrewInstalledPackagesStoreTest, AScanWithAnActiveSearchIsFilteredToo)
-{
-    auto store = makeStore();
-    store->start(catalog());
-    authorizeThroughPanel(*store);
+    // A rescan under an active search is filtered too.
     store->setSearchText(u"wget"_s);
     ASSERT_TRUE(waitUntil([&] { return idle(*store) && store->formulae().size() == 2; }));
-
     m_tree.mkdir(u"brew/Cellar/wget/1.26.0"_s);
     m_tree.mkdir(u"brew/Cellar/curl/8.0"_s);
     store->rescan();
     ASSERT_TRUE(waitUntil([&] { return idle(*store) && store->formulae().size() == 3; }));
     EXPECT_EQ(rows(store->formulae()), (QStringList {u"wget 1.26.0"_s, u"wget 1.25.0"_s, u"wget 1.24.5"_s}));
     EXPECT_TRUE(store->casks().isEmpty());
+
+    // Blanks are no search: nothing is filtered and the work is not delayed.
+    const qsizetype published = m_published.size();
+    store->setSearchText(u"  \t "_s);
+    EXPECT_FALSE(store->hasSearchText());
+    EXPECT_FALSE(store->isFiltering());
+    ASSERT_TRUE(waitUntil([&] { return m_published.size() == published + 1; }));
+    EXPECT_EQ(m_published.last().size(), 7);
 }
 
-TEST_F(HomebrewInstalledPackagesStoreTest, RemovingAuthorizationForgetsEverything)
+TEST_F(HomebrewInstalledPackagesStoreTest, ANewerChangeDropsTheResultOfARunningProcess)
+{
+    auto owned = std::make_unique<GatedProcessor>();
+    GatedProcessor& gated = *owned;
+    gated.gate.release(1); // the processing after the first scan
+    auto store = makeStore(std::move(owned));
+    // Whatever happens below, no call may stay blocked when the store drains its executors.
+    const auto openGate = qScopeGuard([&] { gated.gate.release(100); });
+    store->start({});
+    authorizeThroughPanel(*store);
+    record(*store);
+
+    // The join is running (held at the gate) when a search supersedes it; the search's own
+    // call queues behind it on the processor.
+    store->updateCatalogSummaries(catalog());
+    ASSERT_TRUE(waitUntil([&] { return gated.started == 2; }));
+    store->setSearchText(u"firefox"_s);
+    QSignalSpy none(store.get(), &HomebrewInstalledPackagesStore::packagesChanged);
+    EXPECT_FALSE(none.wait(400)); // the pause passes; the search's call waits its turn
+    EXPECT_EQ(gated.started, 2);
+    EXPECT_TRUE(store->isFiltering());
+    gated.gate.release(2);
+    ASSERT_TRUE(waitUntil([&] { return !store->isFiltering(); }));
+    QSignalSpy more(store.get(), &HomebrewInstalledPackagesStore::packagesChanged);
+    EXPECT_FALSE(more.wait(200));
+    EXPECT_EQ(m_published, (QList<QStringList> {{u"Mozilla Firefox 128.0"_s}}));
+    EXPECT_EQ(gated.started, 3);
+}
+
+TEST_F(HomebrewInstalledPackagesStoreTest, AScanRunningWhenAuthorizationIsRemovedBringsNothingBack)
 {
     auto store = makeStore();
     store->start(catalog());
     authorizeThroughPanel(*store);
-    store->setSearchText(u"wget"_s);
-    ASSERT_TRUE(waitUntil([&] { return idle(*store) && store->formulae().size() == 2; }));
     m_tree.mkdir(u"brew/Cellar/wget/1.26.0"_s);
-    // A scan still running when authorization is removed must not bring rows back.
     store->rescan();
     store->removeAuthorization();
-
     EXPECT_FALSE(store->isAuthorized());
-    EXPECT_FALSE(store->hasScannedThisLaunch());
-    EXPECT_TRUE(store->searchText().isEmpty());
-    EXPECT_FALSE(store->isFiltering());
     EXPECT_TRUE(store->rawPackages().isEmpty());
-    EXPECT_TRUE(store->formulae().isEmpty());
     ASSERT_TRUE(waitUntil([&] { return idle(*store) && !m_defaults->contains(kKey); }));
     EXPECT_TRUE(store->rawPackages().isEmpty());
     EXPECT_TRUE(store->formulae().isEmpty());
     EXPECT_FALSE(store->hasScannedThisLaunch());
-    EXPECT_TRUE(QFile::exists(m_tree.path(u"brew/Cellar/wget/1.26.0"_s)));
-
-    // Nothing comes back by itself in this launch.
-    store->start(catalog());
-    QSignalSpy state(store.get(), &HomebrewInstalledPackagesStore::stateChanged);
-    state.wait(200);
-    EXPECT_FALSE(store->isAuthorized());
-    EXPECT_TRUE(m_pickers.requests.size() == 1);
-}
-
-TEST_F(HomebrewInstalledPackagesStoreTest, RevealShowsOnlyFoldersInsideTheRoot)
-{
-    auto store = makeStore();
-    const HomebrewInstalledPackage stray {HomebrewCatalogKind::formula, u"wget"_s, u"1.0"_s,
-                                          m_tree.path(u"brew/Cellar/wget/1.24.5"_s), std::nullopt};
-    store->revealInstallation(stray);
-    EXPECT_EQ(store->operationErrorMessage(), u"Authorize the Homebrew root folder again."_s);
-
-    store->start({});
-    authorizeThroughPanel(*store);
-    ASSERT_TRUE(waitUntil([&] { return idle(*store) && store->formulae().size() == 3; }));
-
-    m_tree.mkdir(u"elsewhere/wget/1.0"_s);
-    m_tree.symlink(u"brew/Cellar/escape"_s, u"../../elsewhere"_s);
-    struct Case
-    {
-        const char* name;
-        QString installation;
-        std::optional<QString> message;
-    };
-    const Case cases[] = {
-        {"a scanned row", store->formulae()[0].installationURL, std::nullopt},
-        {"a folder outside", m_tree.path(u"elsewhere/wget/1.0"_s),
-         u"The installation folder is outside the authorized Homebrew root."_s},
-        {"a link inside pointing out", m_tree.path(u"brew/Cellar/escape/wget/1.0"_s),
-         u"The installation folder is outside the authorized Homebrew root."_s},
-        {"dot segments leaving the root", m_tree.path(u"brew/Cellar/../../elsewhere/wget/1.0"_s),
-         u"The installation folder is outside the authorized Homebrew root."_s},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        m_workspace.revealed.clear();
-        HomebrewInstalledPackage package = stray;
-        package.installationURL = c.installation;
-        store->revealInstallation(package);
-        ASSERT_TRUE(waitUntil([&] { return !m_workspace.revealed.isEmpty() || store->operationErrorMessage(); }));
-        EXPECT_EQ(store->operationErrorMessage(), c.message);
-        EXPECT_EQ(m_workspace.revealed,
-                  c.message ? QList<QStringList> {} : QList<QStringList> {QStringList {c.installation}});
-    }
-    store->clearOperationError();
-    EXPECT_FALSE(store->operationErrorMessage().has_value());
-
-    store->removeAuthorization();
-    store->revealInstallation(store->formulae().value(0, stray));
-    EXPECT_EQ(store->operationErrorMessage(), u"Authorize the Homebrew root folder again."_s);
 }
 
 TEST_F(HomebrewInstalledPackagesStoreTest, PermissionTroubleBelowAndAtTheRoot)
@@ -485,7 +336,6 @@ TEST_F(HomebrewInstalledPackagesStoreTest, PermissionTroubleBelowAndAtTheRoot)
     auto store = makeStore();
     store->start(catalog());
     authorizeThroughPanel(*store);
-    ASSERT_TRUE(waitUntil([&] { return idle(*store) && store->formulae().size() == 3; }));
     m_defaults->sync();
 
     // One kind unreadable: the other kind's rows stay, with the partial-scan message.
@@ -500,7 +350,6 @@ TEST_F(HomebrewInstalledPackagesStoreTest, PermissionTroubleBelowAndAtTheRoot)
     }
     EXPECT_EQ(store->errorMessage(), u"Some installed Homebrew packages could not be read."_s);
     EXPECT_TRUE(store->formulae().isEmpty());
-    EXPECT_TRUE(store->hasScannedThisLaunch());
     EXPECT_FALSE(store->hasPackages(HomebrewCatalogKind::formula));
     EXPECT_TRUE(store->hasPackages(HomebrewCatalogKind::cask));
 
@@ -517,26 +366,4 @@ TEST_F(HomebrewInstalledPackagesStoreTest, PermissionTroubleBelowAndAtTheRoot)
     }
     EXPECT_EQ(store->casks().size(), 3);
     EXPECT_TRUE(m_workspace.revealed.isEmpty());
-}
-
-TEST_F(HomebrewInstalledPackagesStoreTest, ThePanelOpensAtAnInstalledPrefix)
-{
-    auto store = makeStore();
-    // The test home holds no Homebrew, and the system prefixes may or may not; whichever is
-    // suggested must be one of the candidates, in their order of preference.
-    const QStringList candidates = UserPaths::forHome(m_tree.path(u"home"_s)).homebrewRootCandidates();
-    ASSERT_FALSE(candidates.isEmpty());
-    EXPECT_TRUE(candidates.contains(store->suggestedRootDirectory()));
-
-    m_tree.writeFile(u"home/.linuxbrew/bin/brew"_s, "#!/bin/sh\n");
-    const QString home = m_tree.path(u"home/.linuxbrew"_s);
-    if (candidates.contains(home)) {
-        const auto firstWithBrew = std::find_if(candidates.cbegin(), candidates.cend(),
-                                                [](const QString& c) { return QFile::exists(c + u"/bin/brew"_s); });
-        EXPECT_EQ(store->suggestedRootDirectory(), *firstWithBrew);
-    }
-    m_pickers.answers.push_back(std::nullopt);
-    store->chooseRoot();
-    ASSERT_TRUE(waitUntil([&] { return !store->isChoosingRoot(); }));
-    EXPECT_EQ(m_pickers.requests.last().directory, store->suggestedRootDirectory());
 }

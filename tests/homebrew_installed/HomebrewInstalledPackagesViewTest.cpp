@@ -47,6 +47,17 @@ protected:
         ASSERT_TRUE(waitUntil([&] { return installed->hasScannedThisLaunch() && installedIdle(); }));
     }
 
+    // The usual machine, launched, shown and authorized.
+    void showAuthorizedUsualPackages()
+    {
+        publishCatalog();
+        installUsualPackages();
+        launch();
+        showView();
+        ASSERT_TRUE(waitUntil([&] { return installed->hasLoadedAuthorization(); }));
+        authorizeThroughPanel();
+    }
+
     State state() const { return view->content()->state(); }
     QString panelTitle() const
     {
@@ -91,6 +102,7 @@ TEST_F(HomebrewInstalledPackagesViewTest, AFirstVisitGoesFromAuthorizationThroug
     EXPECT_FALSE(view->findChild<QToolButton*>(u"rescanToolButton"_s)->isEnabled());
 
     authorizeThroughPanel();
+    EXPECT_EQ(pickers.requests.value(0).message, u"Choose the Homebrew root folder that contains bin/brew."_s);
     // A folder being authorized is no root yet: its scan runs behind the authorization page.
     EXPECT_FALSE(seen.contains(State::scanning));
     EXPECT_EQ(seen.last(), State::table);
@@ -117,16 +129,19 @@ TEST_F(HomebrewInstalledPackagesViewTest, AFirstVisitGoesFromAuthorizationThroug
                   {u"wget/"_s, u"1.25.0"_s, u"1.25.0"_s, u"Up to Date"_s},
               }));
     EXPECT_FALSE(view->findChild<QWidget*>(u"errorLine"_s)->isVisible());
+
+    // Coming back to the screen does not scan again; only a rescan sees new folders.
+    install(u"Cellar/jq/1.7.1"_s);
+    QSignalSpy packages(installed.get(), &HomebrewInstalledPackagesStore::packagesChanged);
+    view->hide();
+    view->show();
+    EXPECT_FALSE(packages.wait(300));
+    EXPECT_EQ(model().rowCount(), 3);
 }
 
 TEST_F(HomebrewInstalledPackagesViewTest, SearchShowsSearchingThenTheFilteredRowsOrNoneFound)
 {
-    publishCatalog();
-    installUsualPackages();
-    launch();
-    showView();
-    ASSERT_TRUE(waitUntil([&] { return installed->hasLoadedAuthorization(); }));
-    authorizeThroughPanel();
+    showAuthorizedUsualPackages();
     ASSERT_TRUE(
         waitUntil([&] { return catalogIdle() && installedIdle() && installed->casks().value(0).catalogSummary; }));
     installed->setSelectedKind(HomebrewCatalogKind::formula);
@@ -140,7 +155,6 @@ TEST_F(HomebrewInstalledPackagesViewTest, SearchShowsSearchingThenTheFilteredRow
     };
     const Case cases[] = {
         {u"JSON"_s, HomebrewCatalogKind::formula, State::noSearchResults, {}}, // jq is not installed
-        {u"http server"_s, HomebrewCatalogKind::formula, State::table, {u"curl"_s}},
         {u"0.1"_s, HomebrewCatalogKind::formula, State::table, {u"localtool"_s}},
         // Switching the kind under a live search shows the other filtered list at once.
         {u"0.1"_s, HomebrewCatalogKind::cask, State::noSearchResults, {}},
@@ -220,12 +234,7 @@ TEST_F(HomebrewInstalledPackagesViewTest, ARootWithoutCasksShowsNoInstalledCasks
 
 TEST_F(HomebrewInstalledPackagesViewTest, AFailedFirstScanOffersRetryAndAFailedRescanKeepsTheTable)
 {
-    publishCatalog();
-    installUsualPackages();
-    launch();
-    showView();
-    ASSERT_TRUE(waitUntil([&] { return installed->hasLoadedAuthorization(); }));
-    authorizeThroughPanel();
+    showAuthorizedUsualPackages();
     view.reset();
 
     // The next launch: bin/brew is gone, the bookmark still resolves.
@@ -238,8 +247,10 @@ TEST_F(HomebrewInstalledPackagesViewTest, AFailedFirstScanOffersRetryAndAFailedR
     EXPECT_EQ(state(), State::failed);
     EXPECT_EQ(panelTitle(), u"Failed to load data"_s);
     const auto* description = view->content()->currentWidget()->findChild<QLabel*>(u"panelDescriptionLabel"_s);
-    EXPECT_EQ(description->text(), installed->errorMessage().value_or(QString()));
-    EXPECT_FALSE(description->text().isEmpty());
+    EXPECT_EQ(description->text(), u"Choose a Homebrew root folder that contains bin/brew."_s);
+    EXPECT_EQ(installed->errorMessage(), description->text());
+    EXPECT_TRUE(installed->isAuthorized());
+    EXPECT_TRUE(defaults->contains(installed->bookmarkKey()));
     EXPECT_FALSE(view->findChild<QWidget*>(u"errorLine"_s)->isVisible());
 
     tree().writeFile(u"brew/bin/brew"_s, "#!/bin/sh\n");
@@ -258,12 +269,7 @@ TEST_F(HomebrewInstalledPackagesViewTest, AFailedFirstScanOffersRetryAndAFailedR
 
 TEST_F(HomebrewInstalledPackagesViewTest, RemovingTheAuthorizationForgetsTheRootAndTouchesNoFile)
 {
-    publishCatalog();
-    installUsualPackages();
-    launch();
-    showView();
-    ASSERT_TRUE(waitUntil([&] { return installed->hasLoadedAuthorization(); }));
-    authorizeThroughPanel();
+    showAuthorizedUsualPackages();
     view->findChild<QLineEdit*>(u"searchLineEdit"_s)->setText(u"fire"_s);
     ASSERT_TRUE(waitUntil([&] { return installedIdle() && model().rowCount() == 1; }));
 

@@ -35,10 +35,9 @@ publishedRows(const QString& set, const HomebrewCatalogManifest& manifest, Homeb
 
 const HomebrewPackageSummary* find(const QList<HomebrewPackageSummary>& rows, const QString& identifier)
 {
-    for (const auto& row : rows)
-        if (row.identifier == identifier)
-            return &row;
-    return nullptr;
+    const auto found
+        = std::find_if(rows.cbegin(), rows.cend(), [&](const auto& r) { return r.identifier == identifier; });
+    return found == rows.cend() ? nullptr : &*found;
 }
 
 } // namespace
@@ -74,21 +73,15 @@ TEST(CatalogImporterTest, BundledSampleBuildsASetTheClientAccepts)
     const auto manifest = HomebrewCatalogProcessor().validatedManifest(readFile(catalogLayout::manifestPath(set)));
     ASSERT_TRUE(manifest.ok()) << manifest.error().debugDescription().toStdString();
     const auto formulae = publishedRows(set, manifest.value(), HomebrewCatalogKind::formula);
-    const auto casks = publishedRows(set, manifest.value(), HomebrewCatalogKind::cask);
     ASSERT_EQ(formulae.size(), 9);
-    ASSERT_EQ(casks.size(), 160);
+    EXPECT_EQ(publishedRows(set, manifest.value(), HomebrewCatalogKind::cask).size(), 160);
 
-    // A revised formula is published under its installed-folder name.
+    // A revised formula is published under its installed-folder name; counts came as
+    // "169,460"-style text in the analytics documents.
     ASSERT_NE(find(formulae, QStringLiteral("cocoapods")), nullptr);
     EXPECT_EQ(find(formulae, QStringLiteral("cocoapods"))->version, u"1.16.2_1");
-    EXPECT_EQ(find(formulae, QStringLiteral("openssl@3"))->version, u"3.5.1");
-    // Counts came as "169,460"-style text in the analytics documents.
     EXPECT_EQ(find(formulae, QStringLiteral("libevent"))->analytics.thirtyDays, 169460);
     EXPECT_FALSE(find(formulae, QStringLiteral("abook"))->analytics.thirtyDays.has_value());
-    const auto* vscode = find(casks, QStringLiteral("visual-studio-code"));
-    ASSERT_NE(vscode, nullptr);
-    EXPECT_EQ(vscode->displayName, u"Microsoft Visual Studio Code");
-    EXPECT_EQ(vscode->analytics.thirtyDays, 20842);
 
     // Every package has a detail document the client can decode.
     for (const auto& row : formulae)
@@ -114,7 +107,6 @@ TEST(CatalogImporterTest, BadDocumentsAreLeftOutAndSetsReplaceEachOtherAtomicall
     CatalogImporter::Options options;
     options.inputDir = tree.path(QStringLiteral("in"));
     options.dataDir = tree.path(QStringLiteral("data"));
-    QStringList published;
     for (const char* id : {"s1", "s2", "s3"}) {
         options.snapshotID = QString::fromLatin1(id);
         const auto result = CatalogImporter::run(options);
@@ -122,7 +114,6 @@ TEST(CatalogImporterTest, BadDocumentsAreLeftOutAndSetsReplaceEachOtherAtomicall
         EXPECT_EQ(result.formulaCount, 2);
         EXPECT_EQ(result.warnings.size(), 3) << result.warnings.join(u'\n').toStdString();
         EXPECT_EQ(QFileInfo(catalogLayout::currentSetFolder(options.dataDir)).fileName(), options.snapshotID);
-        published.append(options.snapshotID);
     }
     // The newest two sets stay, so a client holding the previous manifest can finish.
     EXPECT_EQ(QDir(catalogLayout::setsFolder(options.dataDir)).entryList(QDir::Dirs | QDir::NoDotAndDotDot),
@@ -148,16 +139,12 @@ TEST(CatalogImporterTest, BadDocumentsAreLeftOutAndSetsReplaceEachOtherAtomicall
     options.snapshotID = QStringLiteral("../escape");
     EXPECT_FALSE(CatalogImporter::run(options).ok);
     EXPECT_FALSE(QFileInfo::exists(tree.path(QStringLiteral("escape"))));
-}
 
-TEST(CatalogImporterTest, InputWithoutCasksPublishesNothing)
-{
-    TempTree tree;
-    tree.writeFile(QStringLiteral("in/formula.json"), R"([{"name":"a"}])");
-    CatalogImporter::Options options;
-    options.inputDir = tree.path(QStringLiteral("in"));
-    options.dataDir = tree.path(QStringLiteral("data"));
-    const auto result = CatalogImporter::run(options);
-    EXPECT_FALSE(result.ok);
+    // Input without casks publishes nothing.
+    tree.writeFile(QStringLiteral("bare/formula.json"), R"([{"name":"a"}])");
+    options.inputDir = tree.path(QStringLiteral("bare"));
+    options.dataDir = tree.path(QStringLiteral("bare-data"));
+    options.snapshotID = QStringLiteral("s4");
+    EXPECT_FALSE(CatalogImporter::run(options).ok);
     EXPECT_TRUE(catalogLayout::currentSetFolder(options.dataDir).isEmpty());
 }

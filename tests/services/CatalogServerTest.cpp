@@ -68,9 +68,12 @@ protected:
         return answer;
     }
 
-    Answer signedGet(const QByteArray& path, const QList<std::pair<QByteArray, QByteArray>>& extra = {})
+    Answer signedGet(const QByteArray& path,
+                     const QList<std::pair<QByteArray, QByteArray>>& extra = {},
+                     const QByteArray& verb = "GET")
     {
-        return get(path, QByteArray::number(serverNow), HomebrewAPIClient::signature(key, path, serverNow), extra);
+        return get(path, QByteArray::number(serverNow), HomebrewAPIClient::signature(key, path, serverNow), extra,
+                   verb);
     }
 
     TempTree tree;
@@ -85,9 +88,9 @@ protected:
 TEST_F(ServedCatalog, EveryBadSignatureGets401)
 {
     const QByteArray path("/v1/catalog/manifest.json");
-    const auto sign = [&](const QByteArray& signedPath, qint64 timestamp) {
-        return HomebrewAPIClient::signature(key, signedPath, timestamp);
-    };
+    const QByteArray now = QByteArray::number(serverNow);
+    const auto sign
+        = [](const QByteArray& signedPath, qint64 at) { return HomebrewAPIClient::signature(key, signedPath, at); };
     struct Row
     {
         const char* name;
@@ -96,20 +99,17 @@ TEST_F(ServedCatalog, EveryBadSignatureGets401)
         int status;
     };
     const Row rows[] = {
-        {"valid", QByteArray::number(serverNow), sign(path, serverNow), 200},
         {"edge of the window", QByteArray::number(serverNow - 300), sign(path, serverNow - 300), 200},
         {"no headers", std::nullopt, std::nullopt, 401},
-        {"no signature", QByteArray::number(serverNow), std::nullopt, 401},
+        {"no signature", now, std::nullopt, 401},
         {"too old", QByteArray::number(serverNow - 301), sign(path, serverNow - 301), 401},
         {"too far ahead", QByteArray::number(serverNow + 301), sign(path, serverNow + 301), 401},
-        {"signed for another path", QByteArray::number(serverNow), sign("/v1/details/formula/wget.json", serverNow),
-         401},
-        {"signed with another key", QByteArray::number(serverNow),
-         HomebrewAPIClient::signature("another-key", path, serverNow), 401},
-        {"upper-case hex", QByteArray::number(serverNow), sign(path, serverNow).toUpper(), 401},
-        {"signature one digit short", QByteArray::number(serverNow), sign(path, serverNow).chopped(1), 401},
-        {"timestamp with a plus sign", "+" + QByteArray::number(serverNow), sign(path, serverNow), 401},
-        {"timestamp with a fraction", QByteArray::number(serverNow) + ".0", sign(path, serverNow), 401},
+        {"signed for another path", now, sign("/v1/details/formula/wget.json", serverNow), 401},
+        {"signed with another key", now, HomebrewAPIClient::signature("another-key", path, serverNow), 401},
+        {"upper-case hex", now, sign(path, serverNow).toUpper(), 401},
+        {"signature one digit short", now, sign(path, serverNow).chopped(1), 401},
+        {"timestamp with a plus sign", "+" + now, sign(path, serverNow), 401},
+        {"timestamp with a fraction", now + ".0", sign(path, serverNow), 401},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
@@ -132,7 +132,6 @@ TEST_F(ServedCatalog, ConditionalRequestsGet304)
         int status;
     };
     const Row rows[] = {
-        {"matching tag", {{"If-None-Match", first.etag}}, 304},
         {"tag in a list", {{"If-None-Match", "\"other\", " + first.etag}}, 304},
         {"other tag, even with a matching date",
          {{"If-None-Match", "\"other\""}, {"If-Modified-Since", first.lastModified}},
@@ -146,9 +145,7 @@ TEST_F(ServedCatalog, ConditionalRequestsGet304)
         const Answer answer = signedGet("/v1/catalog/manifest.json", row.headers);
         EXPECT_EQ(answer.status, row.status);
         EXPECT_EQ(answer.etag, first.etag);
-        if (row.status == 304) {
-            EXPECT_TRUE(answer.body.isEmpty());
-        }
+        EXPECT_EQ(answer.body.isEmpty(), row.status == 304);
     }
 }
 
@@ -161,9 +158,7 @@ TEST_F(ServedCatalog, OnlyPublishedDocumentsAreServed)
         int status;
     };
     const Row rows[] = {
-        {"formula snapshot", "/v1/catalog/snapshots/S1/formula.json", 200},
         {"cask snapshot", "/v1/catalog/snapshots/S1/cask.json", 200},
-        {"detail with an encoded at sign", "/v1/details/formula/openssl%403.json", 200},
         {"cask detail", "/v1/details/cask/firefox.json", 200},
         {"unknown snapshot id", "/v1/catalog/snapshots/S0/formula.json", 404},
         {"unknown kind", "/v1/catalog/snapshots/S1/bottle.json", 404},
@@ -177,10 +172,8 @@ TEST_F(ServedCatalog, OnlyPublishedDocumentsAreServed)
         SCOPED_TRACE(row.name);
         EXPECT_EQ(signedGet(row.path).status, row.status);
     }
-    const Answer detail = signedGet("/v1/details/formula/openssl%403.json");
+    const Answer detail = signedGet("/v1/details/formula/openssl%403.json"); // an encoded at sign
+    EXPECT_EQ(detail.status, 200);
     EXPECT_TRUE(detail.body.contains("\"name\":\"openssl@3\""));
-    EXPECT_EQ(get("/v1/catalog/manifest.json", QByteArray::number(serverNow),
-                  HomebrewAPIClient::signature(key, "/v1/catalog/manifest.json", serverNow), {}, "POST")
-                  .status,
-              405);
+    EXPECT_EQ(signedGet("/v1/catalog/manifest.json", {}, "POST").status, 405);
 }
