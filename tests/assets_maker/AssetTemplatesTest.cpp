@@ -101,27 +101,18 @@ TEST(AssetTemplatesTest, TemplatesCoverTheSlotsOfRealSets)
 TEST(AssetTemplatesTest, RealSetsWithFilesRoundTripAndEmptySlotsAreRefused)
 {
     QUILLBAY_REQUIRE_SHARED_DATA(realdata);
-    const std::pair<const char*, bool> folders[] = {
-        {"ios-all-sizes", true},
-        {"macos", true},
-        {"watchos", true},
-        {"ios-single-size", true},
-        {"macos-dark-appearance-handwritten", true},
-        {"ios-all-sizes-empty-slots", false},
-        {"macos-empty-slots", false},
-        {"ios-single-size-dark-tinted", false},
-    };
-    for (const auto& [folder, complete] : folders) {
-        SCOPED_TRACE(folder);
+    const auto read = [&](const char* folder) {
         QFile file(QDir(realdata).filePath(QStringLiteral("appiconset/%1/Contents.json").arg(QLatin1String(folder))));
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        const QByteArray json = file.readAll();
-        if (!complete) {
-            EXPECT_THROW(decodeAssetContent(json), AssetMakerError);
-            continue;
-        }
-        const AssetContent content = decodeAssetContent(json);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << folder;
+        return file.readAll();
+    };
+    for (const char* folder :
+         {"ios-all-sizes", "macos", "watchos", "ios-single-size", "macos-dark-appearance-handwritten"}) {
+        SCOPED_TRACE(folder);
+        const AssetContent content = decodeAssetContent(read(folder));
         EXPECT_FALSE(content.images.isEmpty());
         EXPECT_EQ(decodeAssetContent(encodeAssetContent(content)), content);
     }
+    for (const char* folder : {"ios-all-sizes-empty-slots", "macos-empty-slots", "ios-single-size-dark-tinted"})
+        EXPECT_THROW(decodeAssetContent(read(folder)), AssetMakerError) << folder;
 }
