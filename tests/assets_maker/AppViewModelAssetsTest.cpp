@@ -46,22 +46,17 @@ const QByteArray kImage = test::cornerMarkedPng(64, 64, QColor(255, 0, 0), QColo
 TEST(AppViewModelAssetsTest, ButtonsFollowImagePlatformsScalesAndSize)
 {
     Store s;
-    EXPECT_TRUE(s.model.isImageSetGenerationDisabled());
-    s.model.setIOSSelection(Option::allSize);
-    EXPECT_TRUE(s.model.isAppIconGenerationDisabled()) << "no image yet";
+    // The screen test walks the image and the iOS and watchOS choices; macOS single size,
+    // which its menu does not offer, is a choice too.
     s.model.setAppIconImage(kImage);
-    EXPECT_FALSE(s.model.isAppIconGenerationDisabled());
-    EXPECT_TRUE(s.model.isMergeDisabled()) << "watchOS is none";
-    s.model.setWatchOSSelection(Option::singleSize);
-    EXPECT_FALSE(s.model.isMergeDisabled());
-    s.model.setIOSSelection(Option::none);
-    s.model.setWatchOSSelection(Option::none);
+    EXPECT_TRUE(s.model.isAppIconGenerationDisabled());
     s.model.setMacOSSelection(Option::singleSize);
-    EXPECT_FALSE(s.model.isAppIconGenerationDisabled()) << "any option but none enables the button";
+    EXPECT_FALSE(s.model.isAppIconGenerationDisabled());
 
+    EXPECT_TRUE(s.model.isImageSetGenerationDisabled());
     s.model.addImageSetFile(s.file(QStringLiteral("a.png"), kImage));
     EXPECT_FALSE(s.model.isImageSetGenerationDisabled());
-    // The screen test walks the scale labels and the 3x limit; these are the other edges.
+    // The screen test walks the labels and the 3x limit; these are the other edges.
     struct Case
     {
         const char* name;
@@ -115,11 +110,6 @@ TEST(AppViewModelAssetsTest, DroppedFilesAreCheckedAndNamedByTheirBaseName)
     ASSERT_EQ(s.model.imageSet().size(), 2);
     s.model.addImageSetFile(s.file(QStringLiteral("photo.jpg"), kImage));
     EXPECT_EQ(s.model.imageSet().size(), 3) << "the name is free again";
-
-    s.model.setAppIconImage(kImage);
-    s.model.setAppIconImage("not an image");
-    EXPECT_EQ(s.toast(), corrupt);
-    EXPECT_EQ(s.model.appIconData(), kImage) << "the previous image stays";
 }
 
 TEST(AppViewModelAssetsTest, AGoodRunRevealsTheFolderCountsOnceAndIgnoresASecondStart)
