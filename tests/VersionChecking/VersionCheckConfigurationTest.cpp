@@ -28,15 +28,12 @@ TEST(VersionCheckConfigurationTest, IsMadeOnlyFromAnAddressAndA64ByteUtf8Secret)
         {"loopback with path, multibyte secret", u"http://127.0.0.1:8765/service/"_s, secret64.left(62) + "\xc3\xa9"_ba,
          true},
         {"empty address", u""_s, secret64, false},
-        {"no scheme", u"updates.example.com"_s, secret64, false},
         {"unbalanced bracket", u"https://[::1/x"_s, secret64, false},
-        {"empty secret", u"https://updates.example.com"_s, QByteArray(), false},
         {"secret one byte short", u"https://updates.example.com"_s, secret64.left(63), false},
         {"secret one byte long", u"https://updates.example.com"_s, secret64 + "0", false},
         // 64 characters but 65 bytes: the length is counted in bytes.
         {"64 characters, 65 bytes", u"https://updates.example.com"_s, secret64.left(63) + "\xc3\xa9"_ba, false},
         {"secret not UTF-8", u"https://updates.example.com"_s, secret64.left(62) + "\xc3\x28"_ba, false},
-        {"truncated sequence", u"https://updates.example.com"_s, secret64.left(62) + "\xe2\x82"_ba, false},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -45,10 +42,6 @@ TEST(VersionCheckConfigurationTest, IsMadeOnlyFromAnAddressAndA64ByteUtf8Secret)
         if (configuration) {
             EXPECT_EQ(configuration->baseURL, QUrl(c.url));
             EXPECT_EQ(configuration->signatureSecret, QString::fromUtf8(c.secret));
-            EXPECT_EQ(configuration->signatureSecret.toUtf8().size(), 64);
-            EXPECT_EQ(configuration->path, u"/api/app-version/check"_s);
-            EXPECT_EQ(configuration->platform, u"macos"_s);
-            EXPECT_EQ(configuration->channel, u"prod"_s);
             EXPECT_EQ(configuration->appID, u"123"_s);
         }
     }
@@ -59,9 +52,7 @@ TEST(VersionCheckConfigurationTest, AnInvalidConfigurationFallsBackToTheDisabled
     test::LogCapture log(u".VersionChecking"_s);
     const VersionCheckConfiguration fallback = VersionCheckConfiguration::orDisabled(std::nullopt);
     EXPECT_EQ(fallback.baseURL, QUrl(u"file:///"_s));
-    EXPECT_EQ(fallback.path, u"/api/app-version/check"_s);
     EXPECT_EQ(fallback.appID, u"disabled"_s);
-    EXPECT_EQ(fallback.platform, u"macos"_s);
     EXPECT_EQ(fallback.channel, u"disabled"_s);
     EXPECT_TRUE(fallback.signatureSecret.isEmpty());
     EXPECT_EQ(log.criticalMessages(),

@@ -131,6 +131,9 @@ TEST(VersionManagerTest, ACancelledHangingCheckReportsNothing)
 
 TEST(VersionManagerTest, OpensTheUpdatePageOnlyWhenOneIsKnownAndParses)
 {
+    const auto answer = [](const char* url) {
+        return QByteArray(R"({"update_url":")") + url + R"(","force_update":true,"update_available":true})";
+    };
     struct Case
     {
         const char* name;
@@ -139,13 +142,9 @@ TEST(VersionManagerTest, OpensTheUpdatePageOnlyWhenOneIsKnownAndParses)
     };
     const Case cases[] = {
         {"no answer yet", {}, {}},
-        {"a page",
-         R"({"update_url":"https://u.test/dl?x=1","force_update":true,"update_available":true})",
-         {QUrl(u"https://u.test/dl?x=1"_s)}},
-        {"empty address", R"({"update_url":"","force_update":true,"update_available":true})", {}},
-        {"not an address",
-         R"({"update_url":"http://exa mple.com/%zz","force_update":true,"update_available":true})",
-         {}},
+        {"a page", answer("https://u.test/dl?x=1"), {QUrl(u"https://u.test/dl?x=1"_s)}},
+        {"empty address", answer(""), {}},
+        {"not an address", answer("http://exa mple.com/%zz"), {}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);

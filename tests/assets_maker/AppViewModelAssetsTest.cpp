@@ -1,7 +1,6 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -44,52 +43,31 @@ const QByteArray kImage = test::cornerMarkedPng(64, 64, QColor(255, 0, 0), QColo
 
 } // namespace
 
-TEST(AppViewModelAssetsTest, StartsWithTheDocumentedInputs)
-{
-    Store s;
-    EXPECT_EQ(s.model.tabViewSelection(), AssetsMakerTab::appIcon);
-    EXPECT_EQ(s.model.macOSSelection(), Option::none);
-    EXPECT_EQ(s.model.selectedScales(), (QList<AssetScale> {S::x1, S::x2, S::x3}));
-    EXPECT_EQ(s.model.width(), 44);
-    EXPECT_FALSE(s.model.appIconData());
-    EXPECT_TRUE(s.model.isAppIconGenerationDisabled());
-    EXPECT_TRUE(s.model.isMergeDisabled());
-    EXPECT_TRUE(s.model.isImageSetGenerationDisabled());
-}
-
 TEST(AppViewModelAssetsTest, ButtonsFollowImagePlatformsScalesAndSize)
 {
     Store s;
-    s.model.setIOSSelection(Option::allSize);
-    EXPECT_TRUE(s.model.isAppIconGenerationDisabled()) << "no image yet";
+    // The screen test walks the image and the iOS and watchOS choices; macOS single size,
+    // which its menu does not offer, is a choice too.
     s.model.setAppIconImage(kImage);
-    EXPECT_FALSE(s.model.isAppIconGenerationDisabled());
-    EXPECT_TRUE(s.model.isMergeDisabled()) << "watchOS is none";
-    s.model.setWatchOSSelection(Option::singleSize);
-    EXPECT_FALSE(s.model.isMergeDisabled());
-    s.model.setIOSSelection(Option::none);
-    s.model.setWatchOSSelection(Option::none);
+    EXPECT_TRUE(s.model.isAppIconGenerationDisabled());
     s.model.setMacOSSelection(Option::singleSize);
-    EXPECT_FALSE(s.model.isAppIconGenerationDisabled()) << "any option but none enables the button";
+    EXPECT_FALSE(s.model.isAppIconGenerationDisabled());
 
+    EXPECT_TRUE(s.model.isImageSetGenerationDisabled());
     s.model.addImageSetFile(s.file(QStringLiteral("a.png"), kImage));
     EXPECT_FALSE(s.model.isImageSetGenerationDisabled());
+    // The screen test walks the labels and the 3x limit; these are the other edges.
     struct Case
     {
         const char* name;
         bool x1, x2, x3, setSize;
-        qint64 width, height;
+        qint64 width;
         bool disabled;
-        const char* label3x;
     };
     const Case cases[] = {
-        {"all scales, no size", true, true, true, false, 44, 44, false, "3x"},
-        {"no scale at all", false, false, false, false, 44, 44, true, "3x"},
-        {"44 x 44", true, true, true, true, 44, 44, false, "3x: (132 × 132)"},
-        {"2731 x 1 at 3x", false, false, true, true, 2731, 1, true, "3x"},
-        {"2731 x 1 at 2x", false, true, false, true, 2731, 1, false, "3x"},
-        {"zero width", true, false, false, true, 0, 10, true, "3x"},
-        {"size typed while off", true, false, false, false, 0, 0, false, "3x"},
+        {"no scale at all", false, false, false, false, 44, true},
+        {"2731 wide passes at 2x", false, true, false, true, 2731, false},
+        {"a size typed while off is ignored", true, false, false, false, 0, false},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -98,14 +76,8 @@ TEST(AppViewModelAssetsTest, ButtonsFollowImagePlatformsScalesAndSize)
         s.model.setScaleSelected(S::x3, c.x3);
         s.model.setSetSize(c.setSize);
         s.model.setWidth(c.width);
-        s.model.setHeight(c.height);
         EXPECT_EQ(s.model.isImageSetGenerationDisabled(), c.disabled);
-        EXPECT_EQ(s.model.scaleLabel(S::x3), QString::fromUtf8(c.label3x));
     }
-    s.model.setSetSize(true);
-    s.model.setWidth(2731);
-    s.model.setHeight(1);
-    EXPECT_EQ(s.model.scaleLabel(S::x2), QStringLiteral("2x: (5462 × 2)"));
 }
 
 TEST(AppViewModelAssetsTest, DroppedFilesAreCheckedAndNamedByTheirBaseName)
@@ -133,17 +105,11 @@ TEST(AppViewModelAssetsTest, DroppedFilesAreCheckedAndNamedByTheirBaseName)
     ASSERT_EQ(s.model.imageSet().size(), 3);
     EXPECT_EQ(s.model.imageSet()[0].fileName, QStringLiteral("Photo"));
     EXPECT_EQ(s.model.imageSet()[1].fileName, QStringLiteral("icon.dark"));
-    EXPECT_FALSE(QImage::fromData(s.model.imageSet()[0].imageData, "PNG").isNull());
 
     s.model.removeImageSetItem(s.model.imageSet()[0].id);
     ASSERT_EQ(s.model.imageSet().size(), 2);
     s.model.addImageSetFile(s.file(QStringLiteral("photo.jpg"), kImage));
     EXPECT_EQ(s.model.imageSet().size(), 3) << "the name is free again";
-
-    s.model.setAppIconImage(kImage);
-    s.model.setAppIconImage("not an image");
-    EXPECT_EQ(s.toast(), corrupt);
-    EXPECT_EQ(s.model.appIconData(), kImage) << "the previous image stays";
 }
 
 TEST(AppViewModelAssetsTest, AGoodRunRevealsTheFolderCountsOnceAndIgnoresASecondStart)
@@ -231,8 +197,5 @@ TEST(AssetFolderToolsTest, TimestampNameIsLocalTimeWithUnderscores)
     const QDateTime local(QDate(2024, 3, 5), QTime(7, 8, 9), Qt::LocalTime);
     EXPECT_EQ(Tools::timestampName(local), QStringLiteral("20240305_07_08_09"));
     // A moment given in another zone is shown as the local clock read it.
-    const QDateTime utc = local.toUTC();
-    EXPECT_EQ(Tools::timestampName(utc), QStringLiteral("20240305_07_08_09"));
-    EXPECT_EQ(Tools::timestampName(QDateTime(QDate(2023, 12, 31), QTime(23, 59, 59), Qt::LocalTime)),
-              QStringLiteral("20231231_23_59_59"));
+    EXPECT_EQ(Tools::timestampName(local.toUTC()), QStringLiteral("20240305_07_08_09"));
 }

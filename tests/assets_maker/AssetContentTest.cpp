@@ -1,5 +1,4 @@
 #include <QDir>
-#include <QFile>
 
 #include <gtest/gtest.h>
 
@@ -10,62 +9,38 @@
 
 using namespace quillbay;
 
-namespace {
-
-AssetMakerError::Kind decodeFailure(const QByteArray& json)
-{
-    try {
-        decodeAssetContent(json);
-    } catch (const AssetMakerError& error) {
-        return error.kind();
-    }
-    ADD_FAILURE() << "decoded: " << json.toStdString();
-    return AssetMakerError::Kind::writeFailed;
-}
-
-} // namespace
-
 TEST(AssetContentTest, ReadingDropsEveryOtherKeyAndWritingKeepsTheDeclaredOrder)
 {
-    // Keys in another order, an info block, roles and a null platform, as real sets have.
+    // Keys in another order, an info block, roles and null values, as real sets have.
     const QByteArray json = R"({
       "info" : { "author" : "xcode", "version" : 1 },
       "images" : [
         { "scale" : "2x", "filename" : "a/b\"c.png", "size" : "83.5x83.5", "idiom" : "ipad", "role" : "x" },
-        { "size" : "1024x1024", "filename" : "café.png", "platform" : "ios", "idiom" : "universal" },
-        { "filename" : "n.png", "idiom" : "mac", "platform" : null, "size" : "16x16", "scale" : null }
+        { "filename" : "café.png", "idiom" : "mac", "platform" : null, "size" : "16x16", "scale" : null }
       ]
     })";
-    const AssetContent content = decodeAssetContent(json);
-    ASSERT_EQ(content.images.size(), 3);
-    EXPECT_EQ(content.images[0].scale, QStringLiteral("2x"));
-    EXPECT_FALSE(content.images[0].platform);
-    EXPECT_EQ(content.images[1].platform, QStringLiteral("ios"));
+    AssetContent content = decodeAssetContent(json);
+    ASSERT_EQ(content.images.size(), 2);
+    EXPECT_FALSE(content.images[1].platform);
     EXPECT_FALSE(content.images[1].scale);
-    EXPECT_FALSE(content.images[2].platform);
-    EXPECT_FALSE(content.images[2].scale);
+    content.images[1].platform = QStringLiteral("ios");
 
-    const QByteArray expected = "{\n"
-                                "  \"images\" : [\n"
-                                "    {\n"
-                                "      \"idiom\" : \"ipad\",\n"
-                                "      \"size\" : \"83.5x83.5\",\n"
-                                "      \"filename\" : \"a\\/b\\\"c.png\",\n"
-                                "      \"scale\" : \"2x\"\n"
-                                "    },\n"
-                                "    {\n"
-                                "      \"idiom\" : \"universal\",\n"
-                                "      \"platform\" : \"ios\",\n"
-                                "      \"size\" : \"1024x1024\",\n"
-                                "      \"filename\" : \"café.png\"\n"
-                                "    },\n"
-                                "    {\n"
-                                "      \"idiom\" : \"mac\",\n"
-                                "      \"size\" : \"16x16\",\n"
-                                "      \"filename\" : \"n.png\"\n"
-                                "    }\n"
-                                "  ]\n"
-                                "}";
+    const QByteArray expected = R"({
+  "images" : [
+    {
+      "idiom" : "ipad",
+      "size" : "83.5x83.5",
+      "filename" : "a\/b\"c.png",
+      "scale" : "2x"
+    },
+    {
+      "idiom" : "mac",
+      "platform" : "ios",
+      "size" : "16x16",
+      "filename" : "café.png"
+    }
+  ]
+})";
     EXPECT_EQ(encodeAssetContent(content).toStdString(), expected.toStdString());
     EXPECT_EQ(decodeAssetContent(encodeAssetContent(content)), content);
 }
@@ -75,12 +50,10 @@ TEST(AssetContentTest, BrokenTemplatesFailWithTheDecodingError)
     using Kind = AssetMakerError::Kind;
     const std::pair<QByteArray, Kind> cases[] = {
         {"", Kind::corruptData},
-        {"not json", Kind::corruptData},
         {R"({"images" : [ {"idiom" : "mac", "size" : "16x16", "filename" : "a.png"})", Kind::corruptData}, // cut off
         {"[]", Kind::corruptData},
         {R"({"info" : {}})", Kind::missingValue},
         {R"({"images" : {}})", Kind::corruptData},
-        {R"({"images" : [ 3 ]})", Kind::corruptData},
         {R"({"images" : [ {"idiom" : "mac", "size" : "16x16"} ]})", Kind::missingValue},
         {R"({"images" : [ {"idiom" : "mac", "size" : 16, "filename" : "a.png"} ]})", Kind::corruptData},
         {R"({"images" : [ {"idiom" : "mac", "size" : "16x16", "filename" : "a.png", "scale" : 2} ]})",
@@ -88,7 +61,7 @@ TEST(AssetContentTest, BrokenTemplatesFailWithTheDecodingError)
     };
     for (const auto& [json, kind] : cases) {
         SCOPED_TRACE(json.toStdString());
-        EXPECT_EQ(decodeFailure(json), kind);
+        EXPECT_EQ(test::errorKind([&] { decodeAssetContent(json); }), kind);
     }
     EXPECT_EQ(decodeAssetContent(R"({"images" : []})").images.size(), 0);
 }
@@ -109,16 +82,9 @@ TEST(AssetContentTest, ReadsFromAFolderAndWritesContentsJsonAtomically)
     const QString folder = tree.mkdir(QStringLiteral("set"));
     tree.writeFile(QStringLiteral("set/Contents.json"), "old and longer than the new file, to be replaced whole");
     writeAssetContents(content, folder);
-    const auto json = test::readJsonFile(QDir(folder).filePath(QStringLiteral("Contents.json")));
-    ASSERT_TRUE(json.is_object());
-    EXPECT_EQ(json.size(), 1u);
-    EXPECT_EQ(json["images"][0]["filename"], "icon_16x16.png");
+    // Left-over bytes of the old file would not decode.
+    EXPECT_EQ(readAssetContent(folder, QStringLiteral("Contents.json")), content);
     EXPECT_EQ(QDir(folder).entryList(QDir::Files), QStringList {QStringLiteral("Contents.json")});
-
-    try {
-        writeAssetContents(content, tree.path(QStringLiteral("no/such/folder")));
-        ADD_FAILURE() << "wrote into a missing folder";
-    } catch (const AssetMakerError& error) {
-        EXPECT_EQ(error.kind(), AssetMakerError::Kind::writeFailed);
-    }
+    EXPECT_EQ(test::errorKind([&] { writeAssetContents(content, tree.path(QStringLiteral("no/such/folder"))); }),
+              AssetMakerError::Kind::writeFailed);
 }

@@ -12,6 +12,7 @@
 
 using namespace quillbay;
 using Option = AppIconOption;
+using Kind = AssetMakerError::Kind;
 
 namespace {
 
@@ -25,35 +26,43 @@ QByteArray singleEntryTemplate(const char* size, const char* filename)
 }
 
 // Every entry of the set's Contents.json has its PNG, at its pixel size, with or without
-// alpha; returns the entries for further checks.
+// alpha, and the folder holds nothing else; returns the entries for further checks.
 AssetContent expectCompleteSet(const QString& folder, bool withAlpha)
 {
-    const QString contentsPath = QDir(folder).filePath(QStringLiteral("Contents.json"));
-    const auto json = test::readJsonFile(contentsPath);
-    EXPECT_TRUE(json.is_object()) << contentsPath.toStdString();
-    EXPECT_EQ(json.size(), 1u) << "only \"images\" is written";
-    QFile file(contentsPath);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-    const AssetContent content = decodeAssetContent(file.readAll());
+    const AssetContent content = readAssetContent(folder, AssetCatalogLayout::contentsFileName());
     EXPECT_FALSE(content.images.isEmpty());
     for (const AssetItem& item : content.images) {
         SCOPED_TRACE(item.filename.toStdString());
         const QString path = QDir(folder).filePath(item.filename);
-        const QImage image = test::readPng(path);
-        EXPECT_FALSE(image.isNull());
-        EXPECT_EQ(image.size(), assetPixelSize(item));
+        EXPECT_EQ(test::readPng(path).size(), assetPixelSize(item));
         EXPECT_EQ(test::pngHasAlphaChannel(path), withAlpha);
     }
+    EXPECT_EQ(QDir(folder).entryList(QDir::Files).size(), content.images.size() + 1);
     return content;
+}
+
+AssetContent bundled(const char* name)
+{
+    return readAssetContent(AssetCatalogLayout::bundledTemplateFolder(), QLatin1String(name));
 }
 
 struct Output
 {
     test::TempTree tree;
     QString out = tree.path(QStringLiteral("out"));
-    AssetMakerService service;
+    QString templates = AssetCatalogLayout::bundledTemplateFolder();
 
+    void generate(const QByteArray& image, Option macOS, Option iOS, Option watchOS, bool merge = false)
+    {
+        AssetMakerService().generateAppIcons(image, macOS, iOS, watchOS, merge, templates, out);
+    }
     QString set(const QString& relative) const { return QDir(out).filePath(relative); }
+    void useTemplates(const std::vector<std::pair<const char*, QByteArray>>& files)
+    {
+        templates = tree.mkdir(QStringLiteral("templates"));
+        for (const auto& [name, json] : files)
+            test::writeTemplate(templates, QLatin1String(name), json);
+    }
 };
 
 } // namespace
@@ -61,28 +70,52 @@ struct Output
 TEST(AssetIconSetTest, AllThreePlatformsFromTheBundledTemplates)
 {
     Output run;
-    const QByteArray image = test::cornerMarkedPng(1024, 1024, kCorner, kFill);
-    run.service.generateAppIcons(image, Option::allSize, Option::allSize, Option::allSize, false,
-                                 AssetCatalogLayout::bundledTemplateFolder(), run.out);
-
-    const struct
-    {
-        QString folder;
-        QString templateName;
-        bool alpha;
-    } sets[] = {
-        {AssetCatalogLayout::macOSSetFolder(), QStringLiteral("macOS_contents.json"), true},
-        {AssetCatalogLayout::iOSSetFolder(), QStringLiteral("iOS_allSize_contents.json"), false},
-        {AssetCatalogLayout::watchOSSetFolder(), QStringLiteral("watchOS_allSize_contents.json"), false},
+    run.generate(test::cornerMarkedPng(1024, 1024, kCorner, kFill), Option::allSize, Option::allSize, Option::allSize);
+    const std::tuple<QString, const char*, bool> sets[] = {
+        {AssetCatalogLayout::macOSSetFolder(), "macOS_contents.json", true},
+        {AssetCatalogLayout::iOSSetFolder(), "iOS_allSize_contents.json", false},
+        {AssetCatalogLayout::watchOSSetFolder(), "watchOS_allSize_contents.json", false},
     };
-    for (const auto& set : sets) {
-        SCOPED_TRACE(set.folder.toStdString());
-        const AssetContent written = expectCompleteSet(run.set(set.folder), set.alpha);
+    for (const auto& [folder, templateName, alpha] : sets) {
+        SCOPED_TRACE(folder.toStdString());
         // The entries are the template's, in its order, with nothing added.
-        EXPECT_EQ(written, readAssetContent(AssetCatalogLayout::bundledTemplateFolder(), set.templateName));
-        EXPECT_EQ(QDir(run.set(set.folder)).entryList(QDir::Files).size(), written.images.size() + 1);
+        EXPECT_EQ(expectCompleteSet(run.set(folder), alpha), bundled(templateName));
     }
     EXPECT_FALSE(QFileInfo::exists(run.set(AssetCatalogLayout::mergedSetFolder())));
+}
+
+TEST(AssetIconSetTest, OptionsAndMergeDecideWhichSetsAreWritten)
+{
+    struct Case
+    {
+        Option macOS, iOS, watchOS;
+        bool merge;
+        QStringList folders; // what lies in the output folder afterwards
+    };
+    const Case cases[] = {
+        {Option::none, Option::singleSize, Option::allSize, true, {QStringLiteral("iOS&watchOS")}},
+        {Option::none, Option::singleSize, Option::none, true, {QStringLiteral("iOS")}},
+        {Option::none,
+         Option::singleSize,
+         Option::singleSize,
+         false,
+         {QStringLiteral("iOS"), QStringLiteral("watchOS")}},
+        {Option::singleSize, Option::none, Option::none, false, {}}, // macOS single size writes nothing
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.folders.join(u',').toStdString());
+        Output run;
+        run.generate(test::cornerMarkedPng(64, 64, kCorner, kFill), c.macOS, c.iOS, c.watchOS, c.merge);
+        EXPECT_EQ(QDir(run.out).entryList(QDir::NoDotAndDotDot | QDir::AllEntries), c.folders);
+        for (const QString& folder : c.folders)
+            expectCompleteSet(run.set(folder + QStringLiteral("/AppIcon.appiconset")), false);
+    }
+    // A merged set lists iOS's entries, then watchOS's.
+    Output run;
+    run.generate(test::cornerMarkedPng(64, 64, kCorner, kFill), Option::none, Option::singleSize, Option::allSize,
+                 true);
+    EXPECT_EQ(readAssetContent(run.set(AssetCatalogLayout::mergedSetFolder()), QStringLiteral("Contents.json")).images,
+              bundled("iOS_single_contents.json").images + bundled("watchOS_allSize_contents.json").images);
 }
 
 TEST(AssetIconSetTest, LetterboxTakesTheFirstPixelAndRoundsTheMarginFromTheBottom)
@@ -105,10 +138,9 @@ TEST(AssetIconSetTest, LetterboxTakesTheFirstPixelAndRoundsTheMarginFromTheBotto
         SCOPED_TRACE(std::string(c.size) + " from " + std::to_string(c.sourceWidth) + "x"
                      + std::to_string(c.sourceHeight));
         Output run;
-        const QString templates = run.tree.mkdir(QStringLiteral("templates"));
-        test::writeTemplate(templates, QStringLiteral("macOS_contents.json"), singleEntryTemplate(c.size, "icon.png"));
-        run.service.generateAppIcons(test::cornerMarkedPng(c.sourceWidth, c.sourceHeight, kCorner, kFill),
-                                     Option::allSize, Option::none, Option::none, false, templates, run.out);
+        run.useTemplates({{"macOS_contents.json", singleEntryTemplate(c.size, "icon.png")}});
+        run.generate(test::cornerMarkedPng(c.sourceWidth, c.sourceHeight, kCorner, kFill), Option::allSize,
+                     Option::none, Option::none);
         const QImage icon = test::readPng(run.set(AssetCatalogLayout::macOSSetFolder() + QStringLiteral("/icon.png")));
         ASSERT_FALSE(icon.isNull());
         // Sample away from the picture's own corner pixel, which scaling smears over a few
@@ -131,18 +163,18 @@ TEST(AssetIconSetTest, LetterboxTakesTheFirstPixelAndRoundsTheMarginFromTheBotto
     }
 }
 
-TEST(AssetIconSetTest, TransparentCornerStaysClearOnMacAndIsFlattenedElsewhere)
+TEST(AssetIconSetTest, AlphaStaysOnMacAndIsCompositedOverBlackElsewhere)
 {
     Output run;
-    const QByteArray image = test::cornerMarkedPng(100, 50, Qt::transparent, kFill);
-    run.service.generateAppIcons(image, Option::allSize, Option::singleSize, Option::singleSize, false,
-                                 AssetCatalogLayout::bundledTemplateFolder(), run.out);
+    // A clear letterbox around a half-transparent picture.
+    run.generate(test::cornerMarkedPng(100, 50, Qt::transparent, QColor(200, 100, 50, 128)), Option::allSize,
+                 Option::singleSize, Option::singleSize);
     const QImage mac
         = test::readPng(run.set(AssetCatalogLayout::macOSSetFolder() + QStringLiteral("/icon_512x512@2x.png")));
     ASSERT_EQ(mac.size(), QSize(1024, 1024));
     EXPECT_EQ(mac.pixelColor(512, 100).alpha(), 0);
-    EXPECT_EQ(mac.pixelColor(512, 512), kFill);
-
+    EXPECT_NEAR(mac.pixelColor(512, 512).alpha(), 128, 1);
+    EXPECT_NEAR(mac.pixelColor(512, 512).red(), 200, 3);
     for (const QString& path :
          {run.set(AssetCatalogLayout::iOSSetFolder() + QStringLiteral("/ios-1024.png")),
           run.set(AssetCatalogLayout::watchOSSetFolder() + QStringLiteral("/watchos-1024.png"))}) {
@@ -151,66 +183,31 @@ TEST(AssetIconSetTest, TransparentCornerStaysClearOnMacAndIsFlattenedElsewhere)
         const QImage flat = test::readPng(path);
         ASSERT_EQ(flat.size(), QSize(1024, 1024));
         EXPECT_EQ(flat.pixelColor(512, 100), QColor(Qt::black));
-        EXPECT_EQ(flat.pixelColor(512, 512), kFill);
+        const QColor middle = flat.pixelColor(512, 512);
+        EXPECT_NEAR(middle.red(), 100, 2);
+        EXPECT_NEAR(middle.green(), 50, 2);
+        EXPECT_NEAR(middle.blue(), 25, 2);
     }
-}
-
-TEST(AssetIconSetTest, MergingJoinsIOSThenWatchOSIntoOneSetWithoutAlpha)
-{
-    Output run;
-    run.service.generateAppIcons(test::cornerMarkedPng(64, 64, kCorner, kFill), Option::none, Option::singleSize,
-                                 Option::allSize, true, AssetCatalogLayout::bundledTemplateFolder(), run.out);
-    const AssetContent merged = expectCompleteSet(run.set(AssetCatalogLayout::mergedSetFolder()), false);
-    const auto ios
-        = readAssetContent(AssetCatalogLayout::bundledTemplateFolder(), QStringLiteral("iOS_single_contents.json"));
-    const auto watch = readAssetContent(AssetCatalogLayout::bundledTemplateFolder(),
-                                        QStringLiteral("watchOS_allSize_contents.json"));
-    EXPECT_EQ(merged.images, ios.images + watch.images);
-    EXPECT_FALSE(QFileInfo::exists(run.set(QStringLiteral("iOS"))));
-    EXPECT_FALSE(QFileInfo::exists(run.set(QStringLiteral("watchOS"))));
-}
-
-TEST(AssetIconSetTest, MergingWithOnePlatformOffMakesItsOwnSet)
-{
-    Output run;
-    run.service.generateAppIcons(test::cornerMarkedPng(64, 64, kCorner, kFill), Option::none, Option::singleSize,
-                                 Option::none, true, AssetCatalogLayout::bundledTemplateFolder(), run.out);
-    expectCompleteSet(run.set(AssetCatalogLayout::iOSSetFolder()), false);
-    EXPECT_FALSE(QFileInfo::exists(run.set(AssetCatalogLayout::mergedSetFolder())));
-    EXPECT_FALSE(QFileInfo::exists(run.set(QStringLiteral("watchOS"))));
-}
-
-TEST(AssetIconSetTest, MacSingleSizeWritesNothingAndReportsNothing)
-{
-    Output run;
-    run.service.generateAppIcons(test::cornerMarkedPng(64, 64, kCorner, kFill), Option::singleSize, Option::none,
-                                 Option::none, false, AssetCatalogLayout::bundledTemplateFolder(), run.out);
-    EXPECT_TRUE(QDir(run.out).entryList(QDir::NoDotAndDotDot | QDir::AllEntries).isEmpty());
 }
 
 TEST(AssetIconSetTest, EqualFileNamesInAMergedSetLeaveTheLaterFileAndBothEntries)
 {
     Output run;
-    const QString templates = run.tree.mkdir(QStringLiteral("templates"));
-    test::writeTemplate(templates, QStringLiteral("iOS_single_contents.json"),
-                        singleEntryTemplate("20x20", "same.png"));
-    test::writeTemplate(templates, QStringLiteral("watchOS_single_contents.json"),
-                        singleEntryTemplate("30x30", "same.png"));
-    run.service.generateAppIcons(test::cornerMarkedPng(64, 64, kCorner, kFill), Option::none, Option::singleSize,
-                                 Option::singleSize, true, templates, run.out);
+    run.useTemplates({{"iOS_single_contents.json", singleEntryTemplate("20x20", "same.png")},
+                      {"watchOS_single_contents.json", singleEntryTemplate("30x30", "same.png")}});
+    run.generate(test::cornerMarkedPng(64, 64, kCorner, kFill), Option::none, Option::singleSize, Option::singleSize,
+                 true);
     const QString set = run.set(AssetCatalogLayout::mergedSetFolder());
     EXPECT_EQ(test::readPng(set + QStringLiteral("/same.png")).size(), QSize(30, 30));
-    const auto json = test::readJsonFile(set + QStringLiteral("/Contents.json"));
-    ASSERT_EQ(json["images"].size(), 2u);
-    EXPECT_EQ(json["images"][0]["size"], "20x20");
-    EXPECT_FALSE(json["images"][0].contains("scale"));
-    EXPECT_FALSE(json["images"][0].contains("platform"));
+    const AssetContent content = readAssetContent(set, QStringLiteral("Contents.json"));
+    ASSERT_EQ(content.images.size(), 2);
+    EXPECT_EQ(content.images[0].size, QStringLiteral("20x20"));
+    EXPECT_FALSE(content.images[0].scale);
+    EXPECT_FALSE(content.images[0].platform);
 }
 
 TEST(AssetIconSetTest, FailuresStopTheRunAndLeaveFinishedFilesOnDisk)
 {
-    using Kind = AssetMakerError::Kind;
-    const QByteArray goodMac = singleEntryTemplate("16x16", "mac.png");
     const QByteArray badEntryInTheMiddle = R"({"images" : [
         {"idiom" : "universal", "size" : "20x20", "filename" : "first.png", "scale" : "2x"},
         {"idiom" : "universal", "size" : "20X20", "filename" : "bad.png", "scale" : "2x"},
@@ -222,87 +219,56 @@ TEST(AssetIconSetTest, FailuresStopTheRunAndLeaveFinishedFilesOnDisk)
         const char* name;
         QByteArray iosTemplate; // empty: no file
         Kind kind;
-        QStringList iosFiles; // what the iOS set holds afterwards; empty: no folder
+        std::optional<QStringList> iosFiles; // what the iOS set holds afterwards; none: no folder
     };
     const Case cases[] = {
-        {"missing template", {}, Kind::noSuchFile, {}},
-        {"undecodable template", "{ \"images\" : [", Kind::corruptData, {}},
-        {"bad size after a good entry", badEntryInTheMiddle, Kind::corruptData, {QStringLiteral("first.png")}},
-        {"unknown scale", unknownScale, Kind::corruptData, {QStringLiteral(".")}},
+        {"missing template", {}, Kind::noSuchFile, std::nullopt},
+        {"undecodable template", "{ \"images\" : [", Kind::corruptData, std::nullopt},
+        {"bad size after a good entry", badEntryInTheMiddle, Kind::corruptData,
+         QStringList {QStringLiteral("first.png")}},
+        {"unknown scale", unknownScale, Kind::corruptData, QStringList {}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         Output run;
-        const QString templates = run.tree.mkdir(QStringLiteral("templates"));
-        test::writeTemplate(templates, QStringLiteral("macOS_contents.json"), goodMac);
+        run.useTemplates({{"macOS_contents.json", singleEntryTemplate("16x16", "mac.png")}});
         if (!c.iosTemplate.isEmpty())
-            test::writeTemplate(templates, QStringLiteral("iOS_allSize_contents.json"), c.iosTemplate);
-        try {
-            run.service.generateAppIcons(test::cornerMarkedPng(32, 32, kCorner, kFill), Option::allSize,
-                                         Option::allSize, Option::allSize, false, templates, run.out);
-            ADD_FAILURE() << "no error";
-        } catch (const AssetMakerError& error) {
-            EXPECT_EQ(error.kind(), c.kind);
-        }
+            test::writeTemplate(run.templates, QStringLiteral("iOS_allSize_contents.json"), c.iosTemplate);
+        EXPECT_EQ(test::errorKind([&] {
+                      run.generate(test::cornerMarkedPng(32, 32, kCorner, kFill), Option::allSize, Option::allSize,
+                                   Option::allSize);
+                  }),
+                  c.kind);
         // macOS came first and is complete; watchOS after the failure was never started.
         expectCompleteSet(run.set(AssetCatalogLayout::macOSSetFolder()), true);
         EXPECT_FALSE(QFileInfo::exists(run.set(QStringLiteral("watchOS"))));
         const QDir ios(run.set(AssetCatalogLayout::iOSSetFolder()));
-        if (c.iosFiles.isEmpty()) {
-            EXPECT_FALSE(ios.exists());
-        } else {
-            QStringList expected = c.iosFiles;
-            expected.removeAll(QStringLiteral("."));
-            EXPECT_EQ(ios.entryList(QDir::Files), expected);
+        EXPECT_EQ(ios.exists(), c.iosFiles.has_value());
+        if (c.iosFiles) {
+            EXPECT_EQ(ios.entryList(QDir::Files), *c.iosFiles);
         }
     }
 }
 
-TEST(AssetIconSetTest, BytesThatAreNoImageFailBeforeAnythingIsWritten)
+TEST(AssetIconSetTest, BadImagesAndOutputPathsFailBeforeAnythingIsWritten)
 {
     Output run;
     for (const QByteArray& bytes :
          {QByteArray(), QByteArray("GIF89a but not really"), test::cornerMarkedPng(64, 64, kCorner, kFill).left(60)}) {
         try {
-            run.service.generateAppIcons(bytes, Option::allSize, Option::allSize, Option::none, false,
-                                         AssetCatalogLayout::bundledTemplateFolder(), run.out);
+            run.generate(bytes, Option::allSize, Option::allSize, Option::none);
             ADD_FAILURE() << "no error";
         } catch (const AssetMakerError& error) {
-            EXPECT_EQ(error.kind(), AssetMakerError::Kind::corruptFile);
+            EXPECT_EQ(error.kind(), Kind::corruptFile);
             EXPECT_EQ(error.localizedDescription(),
                       QStringLiteral("The file couldn’t be opened because it isn’t in the correct format."));
         }
         EXPECT_FALSE(QFileInfo::exists(run.out));
     }
-}
-
-TEST(AssetIconSetTest, AnOutputPathThatIsAFileFailsToWrite)
-{
-    Output run;
-    const QString blocker = run.tree.writeFile(QStringLiteral("taken"), "a file, not a folder");
-    try {
-        run.service.generateAppIcons(test::cornerMarkedPng(8, 8, kCorner, kFill), Option::allSize, Option::none,
-                                     Option::none, false, AssetCatalogLayout::bundledTemplateFolder(), blocker);
-        ADD_FAILURE() << "no error";
-    } catch (const AssetMakerError& error) {
-        EXPECT_EQ(error.kind(), AssetMakerError::Kind::writeFailed);
-    }
-}
-
-TEST(AssetIconSetTest, FlatteningCompositesHalfTransparentPixelsOverBlack)
-{
-    Output run;
-    const QByteArray image = test::cornerMarkedPng(64, 64, Qt::transparent, QColor(200, 100, 50, 128));
-    run.service.generateAppIcons(image, Option::allSize, Option::singleSize, Option::none, false,
-                                 AssetCatalogLayout::bundledTemplateFolder(), run.out);
-    const QImage flat = test::readPng(run.set(AssetCatalogLayout::iOSSetFolder() + QStringLiteral("/ios-1024.png")));
-    ASSERT_FALSE(flat.isNull());
-    const QColor middle = flat.pixelColor(512, 512);
-    EXPECT_NEAR(middle.red(), 100, 2);
-    EXPECT_NEAR(middle.green(), 50, 2);
-    EXPECT_NEAR(middle.blue(), 25, 2);
-    const QImage mac
-        = test::readPng(run.set(AssetCatalogLayout::macOSSetFolder() + QStringLiteral("/icon_512x512@2x.png")));
-    EXPECT_NEAR(mac.pixelColor(512, 512).alpha(), 128, 1);
-    EXPECT_NEAR(mac.pixelColor(512, 512).red(), 200, 3);
+    run.out = run.tree.writeFile(QStringLiteral("taken"), "a file, not a folder");
+    EXPECT_EQ(test::errorKind([&] {
+                  run.generate(test::cornerMarkedPng(8, 8, kCorner, kFill), Option::allSize, Option::none,
+                               Option::none);
+              }),
+              Kind::writeFailed);
 }

@@ -41,15 +41,6 @@ bool pngHasAlphaChannel(const QString& path)
     return colourType == 4 || colourType == 6;
 }
 
-nlohmann::ordered_json readJsonFile(const QString& path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return nullptr;
-    const QByteArray bytes = file.readAll();
-    return nlohmann::ordered_json::parse(bytes.cbegin(), bytes.cend(), nullptr, false);
-}
-
 void writeTemplate(const QString& folder, const QString& name, const QByteArray& json)
 {
     QDir().mkpath(folder);

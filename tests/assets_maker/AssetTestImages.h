@@ -4,8 +4,9 @@
 #include <QColor>
 #include <QImage>
 #include <QString>
+#include <optional>
 
-#include <nlohmann/json.hpp>
+#include "assets_maker/AssetMakerError.h"
 
 namespace quillbay::test {
 
@@ -20,9 +21,18 @@ QImage readPng(const QString& path);
 // from the IHDR chunk rather than from what a decoder makes of it.
 bool pngHasAlphaChannel(const QString& path);
 
-nlohmann::ordered_json readJsonFile(const QString& path);
-
 // Writes a template folder file from JSON text.
 void writeTemplate(const QString& folder, const QString& name, const QByteArray& json);
+
+// The kind of the AssetMakerError that `run` throws; none when it returns.
+template <typename Run> std::optional<AssetMakerError::Kind> errorKind(Run&& run)
+{
+    try {
+        run();
+    } catch (const AssetMakerError& error) {
+        return error.kind();
+    }
+    return std::nullopt;
+}
 
 } // namespace quillbay::test

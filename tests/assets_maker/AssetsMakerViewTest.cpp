@@ -79,18 +79,13 @@ const QByteArray kImage = test::cornerMarkedPng(120, 80, QColor(250, 250, 0), QC
 TEST(AssetsMakerViewTest, AppIconTabTakesADroppedImageAndEnablesGenerate)
 {
     Screen s;
-    auto* tabs = s.find<QTabWidget>("assetsMakerTabWidget");
-    EXPECT_EQ(tabs->tabText(0), QStringLiteral("AppIcon"));
-    EXPECT_EQ(tabs->tabText(1), QStringLiteral("Image Set"));
     auto* placeholder = s.find<QLabel>("dropPlaceholderLabel");
     auto* generate = s.find<QPushButton>("generateAppIconPushButton");
     auto* reason = s.find<QLabel>("appIconDisabledLabel");
     auto* merge = s.find<QCheckBox>("mergeCheckBox");
-    EXPECT_EQ(placeholder->text(), QStringLiteral("Drag and drop a image file here"));
     EXPECT_TRUE(placeholder->isVisible());
     EXPECT_FALSE(generate->isEnabled());
     EXPECT_TRUE(reason->isVisible());
-    EXPECT_EQ(reason->text(), QStringLiteral("No image or no target platform"));
 
     drop(s.find<ImageDropArea>("appIconDropArea"), {s.file(QStringLiteral("icon.png"), kImage)});
     EXPECT_EQ(s.model.appIconData(), kImage);
@@ -101,7 +96,6 @@ TEST(AssetsMakerViewTest, AppIconTabTakesADroppedImageAndEnablesGenerate)
     auto* iOS = s.find<QComboBox>("iOSComboBox");
     auto* watchOS = s.find<QComboBox>("watchOSComboBox");
     EXPECT_EQ(macOS->count(), 2) << "macOS offers None and All Size";
-    EXPECT_EQ(iOS->itemText(1), QStringLiteral("Single Size"));
     EXPECT_FALSE(merge->isEnabled());
     iOS->setCurrentIndex(2);
     EXPECT_EQ(s.model.iOSSelection(), AppIconOption::allSize);
@@ -134,8 +128,6 @@ TEST(AssetsMakerViewTest, GenerateAsksForAFolderAndRunsTheOpenTab)
         QRegularExpression(QStringLiteral("^\\d{8}_\\d{2}_\\d{2}_\\d{2}$")).match(request.suggestedName).hasMatch())
         << request.suggestedName.toStdString();
     EXPECT_EQ(request.title, QStringLiteral("Save your Asset Folder"));
-    EXPECT_EQ(request.message, QStringLiteral("Choose a folder and a name to store your asset."));
-    EXPECT_EQ(request.nameFieldLabel, QStringLiteral("Folder Name:"));
     ASSERT_TRUE(test::waitUntil([&] { return s.pickers->saveAnswered == 1; }));
     EXPECT_FALSE(s.model.generatingAssets());
 
@@ -163,8 +155,7 @@ TEST(AssetsMakerViewTest, GenerateAsksForAFolderAndRunsTheOpenTab)
 TEST(AssetsMakerViewTest, ImageSetTabListsDroppedFilesWithScalesAndSize)
 {
     Screen s;
-    auto* tabs = s.find<QTabWidget>("assetsMakerTabWidget");
-    tabs->setCurrentIndex(1);
+    s.find<QTabWidget>("assetsMakerTabWidget")->setCurrentIndex(1);
     EXPECT_EQ(s.model.tabViewSelection(), AssetsMakerTab::imageSet);
     auto* list = s.find<ImageSetListWidget>("imageSetListWidget");
     auto* placeholder = s.find<QLabel>("imageSetPlaceholderLabel");
@@ -185,11 +176,11 @@ TEST(AssetsMakerViewTest, ImageSetTabListsDroppedFilesWithScalesAndSize)
     list->itemWidget(list->item(0))->findChild<QToolButton*>(QStringLiteral("removeImageSetItemToolButton"))->click();
     ASSERT_EQ(list->count(), 1);
     EXPECT_EQ(s.model.imageSet()[0].fileName, QStringLiteral("A"));
+    auto* x3 = s.find<QCheckBox>("x3CheckBox");
 
     auto* x2 = s.find<QCheckBox>("x2CheckBox");
     auto* setSize = s.find<QCheckBox>("setSizeCheckBox");
     auto* width = s.find<QSpinBox>("widthSpinBox");
-    EXPECT_EQ(x2->text(), QStringLiteral("2x"));
     EXPECT_FALSE(width->isVisible());
     setSize->click();
     EXPECT_TRUE(width->isVisible());
@@ -198,14 +189,13 @@ TEST(AssetsMakerViewTest, ImageSetTabListsDroppedFilesWithScalesAndSize)
     EXPECT_EQ(x2->text(), QStringLiteral("2x: (200 × 88)"));
     width->setValue(2731);
     EXPECT_FALSE(generate->isEnabled()) << "8193 pixels at 3x";
-    EXPECT_EQ(s.find<QCheckBox>("x3CheckBox")->text(), QStringLiteral("3x"));
-    s.find<QCheckBox>("x3CheckBox")->click();
+    EXPECT_EQ(x3->text(), QStringLiteral("3x")) << "no size past the limit is shown";
+    x3->click();
     EXPECT_TRUE(generate->isEnabled());
     for (const char* name : {"x1CheckBox", "x2CheckBox"})
         s.find<QCheckBox>(name)->click();
     EXPECT_FALSE(generate->isEnabled());
     EXPECT_TRUE(s.find<QLabel>("imageSetDisabledLabel")->isVisible());
-    EXPECT_EQ(s.find<QLabel>("imageSetDisabledLabel")->text(), QStringLiteral("No image or no target size"));
 
     list->itemWidget(list->item(0))->findChild<QToolButton*>(QStringLiteral("removeImageSetItemToolButton"))->click();
     EXPECT_EQ(list->count(), 0);

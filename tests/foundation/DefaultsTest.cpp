@@ -22,20 +22,15 @@ TEST(DefaultsTest, TypedReadsSurviveAReopenedFile)
         defaults.sync();
     }
     SettingsDefaults reopened(file);
-    struct BoolCase
-    {
-        const char* key;
-        bool fallback;
-        bool expected;
-    };
-    const BoolCase bools[] = {
+    // {key, fallback, expected}
+    const std::tuple<const char*, bool, bool> bools[] = {
         {"storedFalse", true, false}, // a stored false stays false
         {"storedTrue", false, true},  {"missing", true, true}, {"text", true, true}, // wrong type: the fallback
         {"number", false, false},
     };
-    for (const BoolCase& c : bools) {
-        SCOPED_TRACE(c.key);
-        EXPECT_EQ(reopened.boolValue(QLatin1String(c.key), c.fallback), c.expected);
+    for (const auto& [key, fallback, expected] : bools) {
+        SCOPED_TRACE(key);
+        EXPECT_EQ(reopened.boolValue(QLatin1String(key), fallback), expected);
     }
     EXPECT_EQ(reopened.integerValue(QStringLiteral("number"), 0), 9223372036854775807LL);
     EXPECT_EQ(reopened.integerValue(QStringLiteral("text"), 7), 7);

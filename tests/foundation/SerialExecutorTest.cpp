@@ -1,5 +1,4 @@
 #include <QCoreApplication>
-#include <QObject>
 #include <QThread>
 #include <atomic>
 #include <vector>
@@ -28,19 +27,19 @@ TEST(SerialExecutorTest, RunsCallsOneAtATimeInOrderOffTheCallingThread)
     SerialExecutor<Recorder> executor(std::make_unique<Recorder>());
     QObject context;
     std::vector<int> continued;
+    std::vector<int> expectedCalls;
     for (int i = 0; i < 20; ++i) {
+        expectedCalls.push_back(i);
         executor
             .run([i](Recorder& r) {
-                const int now = ++r.concurrent;
-                r.maxConcurrent = std::max(r.maxConcurrent, now);
+                r.maxConcurrent = std::max(r.maxConcurrent, ++r.concurrent);
                 r.thread = QThread::currentThreadId();
                 QThread::usleep(200);
                 r.calls.push_back(i);
                 --r.concurrent;
-                return i * 2;
+                return i;
             })
             .then(&context, [&continued](int value) {
-                // Continuations resume on the context's (this) thread.
                 EXPECT_EQ(QThread::currentThread(), QCoreApplication::instance()->thread());
                 continued.push_back(value);
             });
@@ -50,8 +49,6 @@ TEST(SerialExecutorTest, RunsCallsOneAtATimeInOrderOffTheCallingThread)
     const Recorder& r = executor.unsafeService();
     EXPECT_EQ(r.maxConcurrent, 1);
     EXPECT_NE(r.thread, QThread::currentThreadId());
-    for (int i = 0; i < 20; ++i) {
-        EXPECT_EQ(r.calls[static_cast<std::size_t>(i)], i);
-        EXPECT_EQ(continued[static_cast<std::size_t>(i)], i * 2);
-    }
+    EXPECT_EQ(r.calls, expectedCalls);
+    EXPECT_EQ(continued, expectedCalls) << "continuations resume on the context's thread, in order";
 }
