@@ -117,8 +117,6 @@ TEST(CleanupViewTest, AuthorizeScanTickDeleteAndSeeTheResult)
     EXPECT_TRUE(s.view->isShowingAuthorization());
     EXPECT_TRUE(s.f.pickers.requests.isEmpty());
     EXPECT_FALSE(s.view->rescanAction()->isEnabled());
-    EXPECT_EQ(s.label("folderAuthorizationTitleLabel")->text(), QStringLiteral("Folder Authorization Required"));
-    EXPECT_EQ(s.label("folderAuthorizationDescriptionLabel")->text(), QStringLiteral("Scan and clean Xcode data."));
 
     // "Choose Folder" opens the panel at the Developer folder; the user cancels.
     s.f.pickers.cancelNext();
@@ -159,7 +157,6 @@ TEST(CleanupViewTest, AuthorizeScanTickDeleteAndSeeTheResult)
     ASSERT_TRUE(pressKey(s.tree(), QKeySequence::Delete));
     QMessageBox* confirm = s.dialog("deletionConfirmationMessageBox");
     ASSERT_NE(confirm, nullptr);
-    EXPECT_EQ(confirm->text(), QStringLiteral("Are you sure you want to proceed? This action is irreversible."));
     EXPECT_EQ(s.view->findChild<QMessageBox*>(QStringLiteral("xcodeRunningWarningMessageBox")), nullptr);
     Screen::buttonIn(confirm, QStringLiteral("Delete"))->click();
     ASSERT_TRUE(waitUntil([&] { return s.f.model->cleaning() || s.f.model->scanning(); }));
@@ -254,10 +251,6 @@ TEST(CleanupViewTest, DialogsFollowTheRunningXcodeAndTheirDontAskAgainKeys)
         EXPECT_EQ(s.f.model->cleaning() || !QFileInfo::exists(s.f.other), !c.expectWarning && !c.expectConfirmation);
         if (c.expectWarning) {
             QMessageBox* warning = footer->xcodeRunningWarning();
-            EXPECT_EQ(warning->text(), QStringLiteral("Xcode is running"));
-            EXPECT_TRUE(warning->informativeText().endsWith(
-                QStringLiteral(" can run with Xcode open, but some cleaned files may affect its functionality or "
-                               "cause a crash.")));
             // Ticking "Don't ask again" stores the choice; "Continue" leads on.
             warning->checkBox()->setChecked(true);
             EXPECT_TRUE(s.f.defaults.boolValue(QStringLiteral("SuppressXcodeIsRunningAlert"), false));
@@ -279,7 +272,7 @@ TEST(CleanupViewTest, DialogsFollowTheRunningXcodeAndTheirDontAskAgainKeys)
     }
 }
 
-TEST(CleanupViewTest, RowsOfferShowInFinderInfoAndSpinners)
+TEST(CleanupViewTest, RowsShowSpinnersUntilScannedAndRevealTheirPaths)
 {
     Screen s;
     s.f.buildDeveloperTree();
@@ -306,24 +299,12 @@ TEST(CleanupViewTest, RowsOfferShowInFinderInfoAndSpinners)
     ASSERT_NE(menu, nullptr);
     QAction* reveal = menu->findChild<QAction*>(QStringLiteral("showInFinderAction"));
     ASSERT_NE(reveal, nullptr);
-    EXPECT_EQ(reveal->text(), QStringLiteral("Show in Finder"));
     reveal->trigger();
     ASSERT_EQ(s.f.workspace.revealed.size(), 1);
     EXPECT_EQ(s.f.workspace.revealed[0], QStringList {s.f.myApp});
     std::unique_ptr<QMenu> docs(s.view->content()->contextMenu(s.row(QStringLiteral("Cache from Xcode 15.4"))));
     docs->findChild<QAction*>(QStringLiteral("showInFinderAction"))->trigger();
     EXPECT_EQ(s.f.workspace.revealed[1].size(), 2) << "every path of the row is shown";
-
-    QWidget* popover = s.view->content()->showInfoPopover(s.row(QStringLiteral("Derived Data")));
-    ASSERT_NE(popover, nullptr);
-    EXPECT_TRUE(popover->findChild<QLabel*>(QStringLiteral("infoPopoverLabel"))
-                    ->text()
-                    .startsWith(QStringLiteral("These stores build information")));
-    popover->close();
-
-    s.button("downloadXcodePushButton")->click();
-    ASSERT_EQ(s.f.workspace.openedUrls.size(), 1);
-    EXPECT_EQ(s.f.workspace.openedUrls[0].scheme(), QStringLiteral("macappstore"));
 }
 
 TEST(CleanupViewTest, AnEmptyDeveloperFolderShowsTheEmptyState)
@@ -334,7 +315,6 @@ TEST(CleanupViewTest, AnEmptyDeveloperFolderShowsTheEmptyState)
     ASSERT_TRUE(waitUntil([&] { return s.f.model->hasFileManager(); }));
     ASSERT_TRUE(s.f.waitForIdle());
     EXPECT_TRUE(s.view->content()->isShowingEmptyState());
-    EXPECT_EQ(s.label("emptyStateTitleLabel")->text(), QStringLiteral("No Xcode Data to Clean"));
     s.f.addDerivedData(QStringLiteral("Late"), 10000);
     s.button("emptyStateRescanPushButton")->click();
     EXPECT_FALSE(s.view->content()->isShowingEmptyState()) << "the list shows while scanning";
