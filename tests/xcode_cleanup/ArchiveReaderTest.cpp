@@ -175,12 +175,8 @@ TEST(ArchiveReaderTest, RealArchiveInfoPlistsInXmlAndBinary)
     const Case cases[] = {
         {"bitrise-ios.xcarchive.Info.plist", "com.bitrise.code-sign-test", "1.0 (1)",
          QDateTime(QDate(2017, 11, 15), QTime(21, 51, 4), Qt::UTC), SubmissionStatus::undefined},
-        {"fastswift-2017-no-team.Info.plist", "ch.marcela.ada.fastSwift", "11.1 (7)",
-         QDateTime(QDate(2017, 9, 27), QTime(21, 3, 54), Qt::UTC), SubmissionStatus::undefined},
         {"idoneo-App-2026-distributions.Info.plist", "com.idoneo.app", "1.0.1 (5)",
          QDateTime(QDate(2026, 3, 18), QTime(1, 50, 47), Qt::UTC), SubmissionStatus::success},
-        {"fitcheck-App-2026-distributions.Info.plist", "com.nubittech.veylo", "1.011 (5)",
-         QDateTime(QDate(2026, 3, 8), QTime(19, 39, 19), Qt::UTC), SubmissionStatus::success},
         {"cloudvision-Runner-2021-armv7-arm64.Info.plist", "com.williamherring.cloudvision", "1.0.0 (1)",
          QDateTime(QDate(2021, 7, 13), QTime(7, 43, 37), Qt::UTC), SubmissionStatus::undefined},
     };

@@ -34,28 +34,12 @@ XcodeFileProperties threeLevels()
 
 } // namespace
 
-TEST(XcodeFilePropertiesTest, SelectingTheRootSelectsEveryDescendantAndCountsLeavesOnce)
+TEST(XcodeFilePropertiesTest, ParentsFollowTheirChildrenAndOnlyLeavesCount)
 {
     XcodeFileProperties root = threeLevels();
-    root.size = Size::value(700);
+    // Rows without paths add only their children, so these known group sizes never count.
+    root.size = Size::value(999);
     (*root.children)[0].size = Size::value(300);
-    EXPECT_FALSE(root.hasSelection());
-    EXPECT_TRUE(root.setSelected(root.id, true));
-    for (const auto& os : *root.children) {
-        EXPECT_TRUE(os.isSelected);
-        for (const auto& item : *os.children)
-            EXPECT_TRUE(item.isSelected);
-    }
-    // Rows without paths add only their children, so the known group sizes are not added.
-    EXPECT_EQ(root.selectedSize(), 700);
-    EXPECT_TRUE(root.setSelected(root.id, false));
-    EXPECT_EQ(root.selectedSize(), 0);
-    EXPECT_FALSE(root.hasSelection());
-}
-
-TEST(XcodeFilePropertiesTest, ParentsFollowTheirChildren)
-{
-    XcodeFileProperties root = threeLevels();
     const QUuid a = (*(*root.children)[0].children)[0].id;
     const QUuid b = (*(*root.children)[0].children)[1].id;
     const QUuid c = (*(*root.children)[1].children)[0].id;
@@ -74,6 +58,8 @@ TEST(XcodeFilePropertiesTest, ParentsFollowTheirChildren)
         {b, true, true, false, 300}, // the last one checks the parent
         {c, true, true, true, 700}, // and every branch checks the root
         {a, false, false, false, 600}, // clearing one child clears the ancestors
+        {root.id, true, true, true, 700}, // the root selects every descendant
+        {root.id, false, false, false, 0},
     };
     for (const Step& step : steps) {
         SCOPED_TRACE(step.selected);
@@ -83,22 +69,14 @@ TEST(XcodeFilePropertiesTest, ParentsFollowTheirChildren)
         EXPECT_EQ(root.selectedSize(), step.selected);
         EXPECT_EQ(root.selection(step.id), step.value);
     }
-    EXPECT_TRUE(root.hasSelection());
+    EXPECT_FALSE(root.hasSelection());
     EXPECT_FALSE(root.setSelected(QUuid::createUuid(), true));
     EXPECT_EQ(root.selection(QUuid::createUuid()), std::nullopt);
-}
 
-TEST(XcodeFilePropertiesTest, SelectedSizeTreatsUnknownAsZeroAndIgnoresOwnSizeWithoutPaths)
-{
     XcodeFileProperties unknown = leaf(QStringLiteral("u"), 0);
     unknown.size = Size::unknown();
     unknown.isSelected = true;
-    EXPECT_EQ(unknown.selectedSize(), 0);
-
-    XcodeFileProperties pathless = group(QStringLiteral("g"), {leaf(QStringLiteral("x"), 10)});
-    pathless.size = Size::value(999);
-    pathless.isSelected = true;
-    EXPECT_EQ(pathless.selectedSize(), 0) << "its child is not selected, its own size has no paths";
+    EXPECT_EQ(unknown.selectedSize(), 0) << "an unknown size counts as zero";
 }
 
 TEST(XcodeFilePropertiesTest, SelectedSizeOverflowStopsTheProgram)

@@ -98,32 +98,6 @@ TEST(AppViewModelReleasesTest, CachedListShowsBeforeTheNetworkAnswers)
         << "feed order, nothing sorted";
 }
 
-TEST(AppViewModelReleasesTest, RetryClearsTheErrorWhileItRunsAndReplacesEveryRow)
-{
-    Store s(std::nullopt, 500, {});
-    ASSERT_TRUE(waitUntil([&] { return s.model->hasError(); }));
-    EXPECT_TRUE(s.model->releases().isEmpty());
-
-    s.server.answer(200, smallFeed());
-    QSignalSpy errors(s.model.get(), &AppViewModel::hasErrorChanged);
-    s.model->refreshReleases();
-    EXPECT_FALSE(s.model->hasError()) << "while the request runs the screen falls back to an empty table";
-    ASSERT_TRUE(waitUntil([&] { return s.model->releases().size() == 2; }));
-    EXPECT_FALSE(s.model->hasError());
-    EXPECT_EQ(errors.size(), 1);
-    const QUuid firstId = s.model->releases().first().id;
-
-    s.model->refreshReleases();
-    ASSERT_TRUE(waitUntil([&] { return s.server.requestCount() == 3 && s.model->releases().first().id != firstId; }));
-    EXPECT_TRUE(s.model->releases().first().hasSameContent(decodeXcodeReleases(smallFeed())->first()));
-
-    // A failed retry with a list on show keeps the list.
-    s.server.answer(500, {});
-    s.model->refreshReleases();
-    ASSERT_TRUE(waitUntil([&] { return s.model->hasError(); }));
-    EXPECT_EQ(s.model->releases().size(), 2);
-}
-
 TEST(AppViewModelReleasesTest, ApplyingBadBytesLeavesTheListAlone)
 {
     Store s(std::nullopt, 200, smallFeed());
@@ -171,17 +145,4 @@ TEST(AppViewModelReleasesTest, InstalledXcodeVersionComesFromTheBundle)
         EXPECT_EQ(recorder->askedIdentifiers, QStringList {QStringLiteral("com.apple.dt.Xcode")});
         EXPECT_EQ(s.model->xcodeVersion(), c.expected);
     }
-}
-
-TEST(AppViewModelReleasesTest, ColumnsFollowTheFlagsInTableOrder)
-{
-    Store s(std::nullopt, 200, smallFeed());
-    EXPECT_EQ(s.model->columns(),
-              (QList<Column> {Column::release, Column::required, Column::macOSSDK, Column::iOSSDK, Column::download}));
-    for (int i = 0; i < AppViewModel::releaseColumnCount; ++i)
-        s.model->setReleaseColumnVisible(static_cast<AppViewModel::ReleaseColumn>(i), false);
-    EXPECT_TRUE(s.model->columns().isEmpty());
-    s.model->setReleaseColumnVisible(AppViewModel::ReleaseColumn::releaseNotes, true);
-    s.model->setReleaseColumnVisible(AppViewModel::ReleaseColumn::swift, true);
-    EXPECT_EQ(s.model->columns(), (QList<Column> {Column::swift, Column::releaseNotes}));
 }

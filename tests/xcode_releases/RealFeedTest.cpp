@@ -22,12 +22,6 @@ QByteArray readFeed(const QString& dir, const char* name)
     return file.readAll();
 }
 
-QString firstString(const QJsonObject& parent, const char* listKey, const char* key)
-{
-    const QJsonArray list = parent.value(QLatin1String(listKey)).toArray();
-    return list.isEmpty() ? QString() : list.first().toObject().value(QLatin1String(key)).toString();
-}
-
 } // namespace
 
 // The published feed read by a second, independent JSON reader is the reference: every
@@ -46,8 +40,6 @@ TEST(RealFeedTest, EveryPublishedReleaseDecodesInFeedOrder)
         const XcodeRelease& release = releases->at(i);
         const QJsonObject object = reference.at(i).toObject();
         const QJsonObject version = object.value(u"version").toObject();
-        const QJsonObject sdks = object.value(u"sdks").toObject();
-        const QJsonObject links = object.value(u"links").toObject();
         EXPECT_EQ(release.name, object.value(u"name").toString());
         EXPECT_EQ(release.requires_, object.value(u"requires").toString());
         EXPECT_EQ(release.date.year, object.value(u"date").toObject().value(u"year").toInt());
@@ -57,18 +49,8 @@ TEST(RealFeedTest, EveryPublishedReleaseDecodesInFeedOrder)
                   QString(release.name).remove(QStringLiteral(" (Apple Silicon)")) + u' '
                       + version.value(u"number").toString() + QStringLiteral(" (") + version.value(u"build").toString()
                       + u')');
-        EXPECT_EQ(buildText(release, Column::macOSSDK).value_or(QString()), firstString(sdks, "macOS", "build"));
-        EXPECT_EQ(cellText(release, Column::download, false),
-                  links.value(u"download").toObject().value(u"url").toString());
-        EXPECT_EQ(cellText(release, Column::releaseNotes, true),
-                  links.value(u"notes").toObject().value(u"url").toString());
-        for (const Column column : allColumns) {
-            const QString text = cellText(release, column, false);
-            EXPECT_FALSE(text.contains(u'\n')) << "cells are one line";
-            if (column == Column::visionOSSDK) {
-                EXPECT_EQ(cellText(release, column, true), text) << "visionOS has no long form";
-            }
-        }
+        for (const Column column : allColumns)
+            EXPECT_FALSE(cellText(release, column, false).contains(u'\n')) << "cells are one line";
     }
 }
 
@@ -113,16 +95,6 @@ TEST(RealFeedTest, DerivedTextsKeepTheirOdditiesAcrossTheFeed)
     EXPECT_EQ(visionCells, 84);
     EXPECT_EQ(macOSWordOnly, 96);
 
-    const XcodeRelease& newest = releases->first();
-    const QLocale english(QLocale::English, QLocale::UnitedStates);
-    EXPECT_EQ(cellText(newest, Column::version, false), QStringLiteral("Xcode 26.2"));
-    EXPECT_EQ(cellText(newest, Column::date, false, english), QStringLiteral("Dec 12, 2025"));
-    EXPECT_EQ(cellText(newest, Column::required, false), QStringLiteral("macOS 15.6+"));
-    EXPECT_EQ(cellText(newest, Column::swift, true), QStringLiteral("6.2.3 (6.2.3.3.21)"));
-    EXPECT_EQ(cellText(newest, Column::iOSSDK, true), QStringLiteral("iOS 26.2 (23C53)"));
-    EXPECT_EQ(cellText(newest, Column::visionOSSDK, true), QStringLiteral("visionOS 26.2"));
-    EXPECT_EQ(buildText(newest, Column::visionOSSDK), QStringLiteral("23N301"));
-    EXPECT_TRUE(isAppleSiliconOnly(newest));
     EXPECT_EQ(cellText(releases->at(155), Column::release, false), QString()) << "{\"gm\": true}";
     EXPECT_EQ(cellText(releases->at(156), Column::release, false), QStringLiteral(" 1")) << "{\"gmSeed\": 1}";
     EXPECT_EQ(cellText(releases->at(339), Column::release, false), QStringLiteral(" 2")) << "{\"dp\": 2}";

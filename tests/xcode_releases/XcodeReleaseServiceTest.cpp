@@ -71,12 +71,8 @@ TEST(XcodeReleaseServiceTest, StatusAndBodyDecideAndOnlyGoodFeedsReachTheCache)
         {"299 with a feed", 299, smallFeed(), std::nullopt},
         {"204 without a body", 204, {}, XcodeReleaseServiceError::invalidCatalog()},
         {"300 with a feed", 300, smallFeed(), XcodeReleaseServiceError::httpStatus(300)},
-        {"304 with a feed", 304, smallFeed(), XcodeReleaseServiceError::httpStatus(304)},
         {"404 with a feed", 404, smallFeed(), XcodeReleaseServiceError::httpStatus(404)},
-        {"500 with a feed", 500, smallFeed(), XcodeReleaseServiceError::httpStatus(500)},
-        {"200 with an empty body", 200, {}, XcodeReleaseServiceError::invalidCatalog()},
         {"200 with []", 200, "[]", XcodeReleaseServiceError::invalidCatalog()},
-        {"200 with {}", 200, "{}", XcodeReleaseServiceError::invalidCatalog()},
         {"200 with one release lacking its date", 200, withoutDate, XcodeReleaseServiceError::invalidCatalog()},
         {"200 with a truncated feed", 200, smallFeed().left(120), XcodeReleaseServiceError::invalidCatalog()},
     };
@@ -114,15 +110,10 @@ TEST(XcodeReleaseServiceTest, AnswersThatAreNotHTTPAreRefused)
         promise.finish();
         return promise.future();
     });
-    XcodeReleaseFetchResult result = fetch(injected);
+    const XcodeReleaseFetchResult result = fetch(injected);
     EXPECT_EQ(loads, 1);
     EXPECT_EQ(result.serviceError, XcodeReleaseServiceError::invalidResponse());
 
-    // The network loader reading a local file gets no status either.
-    const QString feedFile = tree.writeFile(QStringLiteral("feed/data.json"), smallFeed());
-    auto fileService = XcodeReleaseService::createWithNetwork(QUrl::fromLocalFile(feedFile), cache);
-    result = fetch(*fileService);
-    EXPECT_EQ(result.serviceError, XcodeReleaseServiceError::invalidResponse());
     EXPECT_EQ(readAll(cachePath), QByteArray("previous bytes"));
 }
 
@@ -225,10 +216,6 @@ TEST(XcodeReleaseServiceTest, DefaultCacheFileLiesInTheProgramCacheFolder)
     CacheManager blocked(std::nullopt, UserPaths::forHome(tree.path(QStringLiteral("blocked"))));
     EXPECT_FALSE(blocked.cacheURL().has_value());
     EXPECT_TRUE(blocked.save("[1]").has_value());
-
-    CacheManager explicitFile(tree.path(QStringLiteral("nowhere/file.json")), paths);
-    EXPECT_EQ(explicitFile.cacheURL(), tree.path(QStringLiteral("nowhere/file.json")));
-    EXPECT_TRUE(explicitFile.save("[1]").has_value()) << "saving never creates folders";
 }
 
 TEST(XcodeReleaseServiceTest, DestroyingTheServiceMidRequestCancelsCleanly)
