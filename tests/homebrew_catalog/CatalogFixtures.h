@@ -14,13 +14,13 @@ namespace quillbay::test {
 // One package row as a snapshot carries it.
 struct FixturePackage
 {
-    QString identifier;
-    QString displayName;
-    QString summary;
-    QStringList aliases;
-    std::optional<qint64> thirtyDays;
-    std::optional<qint64> ninetyDays;
-    std::optional<qint64> threeHundredSixtyFiveDays;
+    QString identifier {};
+    QString displayName {};
+    QString summary {};
+    QStringList aliases {};
+    std::optional<qint64> thirtyDays {};
+    std::optional<qint64> ninetyDays {};
+    std::optional<qint64> threeHundredSixtyFiveDays {};
     QString version = QStringLiteral("1.0");
     bool isDeprecated = false;
     bool isDisabled = false;
