@@ -70,13 +70,16 @@ struct PendingFolder
 {
     std::shared_ptr<const OpenFolder> parent; // null: `name` is a path from the working folder
     std::string name;
+    size_t root; // which of the measured folders this one counts for
 };
 
-// One measure: a shared stack of folders still to list. Workers take the newest folder
-// (depth first, which bounds the open descriptors), list it, stat its files relative to
-// its descriptor and push its sub-folders. The mutex guards only the stack and counters,
-// taken once per folder; the per-file work runs outside it. Helpers are started only when
-// work piles up, so the many small measures of a scan stay on the calling thread.
+// One measure of one or more folders: a shared stack of folders still to list. Workers
+// take the newest folder (depth first, which bounds the open descriptors), list it, stat
+// its files relative to its descriptor and push its sub-folders. The mutex guards only the
+// stack and the totals, taken once per folder; the per-file work runs outside it. Helpers
+// are started only when work piles up, so small measures stay on the calling thread.
+// Several folders share one walk so that the last deep branch of one never leaves the
+// other threads idle, which is where a cold walk of many small folders loses its time.
 class ParallelWalk
 {
 public:
@@ -86,45 +89,59 @@ public:
     {
     }
 
-    std::optional<qint64> run(const std::string& root)
+    std::vector<std::optional<qint64>> run(const std::vector<std::string>& roots)
     {
-        m_stack.push_back({nullptr, root});
+        m_totals.assign(roots.size(), 0);
+        m_failed.assign(roots.size(), false);
+        // Pushed in reverse so that the first folder is walked first.
+        for (size_t i = roots.size(); i-- > 0;) {
+            if (roots[i].empty())
+                m_failed[i] = true;
+            else
+                m_stack.push_back({nullptr, roots[i], i});
+        }
         work();
         for (std::thread& helper : m_helpers)
             helper.join();
-        if (m_failed)
-            return std::nullopt;
-        return m_total;
+        std::vector<std::optional<qint64>> results(roots.size());
+        const bool stopped = m_stop.stop_requested();
+        for (size_t i = 0; i < roots.size(); ++i) {
+            if (!stopped && !m_failed[i])
+                results[i] = m_totals[i];
+        }
+        return results;
     }
 
 private:
     void work()
     {
-        qint64 local = 0;
         std::vector<PendingFolder> found;
         std::unique_lock lock(m_mutex);
         while (true) {
-            m_changed.wait(lock, [this] { return m_failed || !m_stack.empty() || m_active == 0; });
-            if (m_failed || (m_stack.empty() && m_active == 0))
+            m_changed.wait(lock, [this] { return !m_stack.empty() || m_active == 0; });
+            if (m_stack.empty() && m_active == 0)
                 break;
             PendingFolder next = std::move(m_stack.back());
             m_stack.pop_back();
+            if (m_failed[next.root])
+                continue; // one unreadable corner already made this folder's figure unknown
             ++m_active;
             lock.unlock();
 
             found.clear();
-            const bool ok = !m_stop.stop_requested() && listFolder(next, found, local);
+            qint64 sum = 0;
+            const bool ok = !m_stop.stop_requested() && listFolder(next, found, sum);
             next.parent.reset();
 
             lock.lock();
             --m_active;
-            if (!ok) {
-                m_failed = true;
-                m_changed.notify_all();
-                break;
+            if (ok) {
+                m_totals[next.root] = checkedByteSum(m_totals[next.root], sum);
+                for (PendingFolder& folder : found)
+                    m_stack.push_back(std::move(folder));
+            } else {
+                m_failed[next.root] = true;
             }
-            for (PendingFolder& folder : found)
-                m_stack.push_back(std::move(folder));
             if (m_stack.size() > 1 && static_cast<int>(m_helpers.size()) < m_maxHelpers)
                 m_helpers.emplace_back([this] { work(); });
             if (m_stack.empty() && m_active == 0)
@@ -132,11 +149,10 @@ private:
             else if (!found.empty())
                 m_changed.notify_one();
         }
-        m_total = checkedByteSum(m_total, local);
         m_changed.notify_all();
     }
 
-    // Lists one folder; false on any failure, which fails the whole measure.
+    // Lists one folder; false on any failure, which fails the measure of its root.
     static bool listFolder(const PendingFolder& folder, std::vector<PendingFolder>& found, qint64& sum)
     {
         const int parentFd = folder.parent ? folder.parent->fd() : AT_FDCWD;
@@ -169,7 +185,7 @@ private:
                 type = S_ISDIR(st.st_mode) ? DT_DIR : DT_UNKNOWN;
             }
             if (type == DT_DIR)
-                found.push_back({open, name});
+                found.push_back({open, name, folder.root});
         }
     }
 
@@ -180,18 +196,25 @@ private:
     std::vector<PendingFolder> m_stack;
     std::vector<std::thread> m_helpers;
     int m_active = 0;
-    bool m_failed = false;
-    qint64 m_total = 0;
+    std::vector<qint64> m_totals;
+    std::vector<bool> m_failed;
 };
 
 } // namespace
 
+std::vector<std::optional<qint64>> measureDirectories(const QStringList& paths, std::stop_token stop, int threadCount)
+{
+    std::vector<std::string> roots;
+    roots.reserve(size_t(paths.size()));
+    for (const QString& path : paths)
+        roots.push_back(QFile::encodeName(path).toStdString());
+    ParallelWalk walk(std::move(stop), threadCount > 0 ? threadCount : defaultMeasureThreadCount());
+    return walk.run(roots);
+}
+
 std::optional<qint64> measureDirectory(const QString& path, std::stop_token stop, int threadCount)
 {
-    if (path.isEmpty())
-        return std::nullopt;
-    ParallelWalk walk(std::move(stop), threadCount > 0 ? threadCount : defaultMeasureThreadCount());
-    return walk.run(QFile::encodeName(path).toStdString());
+    return measureDirectories({path}, std::move(stop), threadCount).front();
 }
 
 std::optional<qint64> measureSingleItem(const QString& path)

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <optional>
 #include <stop_token>
+#include <vector>
 
 namespace quillbay {
 
@@ -23,6 +25,10 @@ void setDefaultMeasureThreadCount(int threads);
 // `stop` is requested: one unreadable corner makes the whole figure unknown rather than
 // quietly smaller. The total does not depend on the thread count or on timing.
 std::optional<qint64> measureDirectory(const QString& path, std::stop_token stop = {}, int threadCount = 0);
+// The same for several folders in one walk, answer i for paths[i]: the folders share the
+// threads, so many small folders cost one start-up and the tail of one is the others' turn.
+std::vector<std::optional<qint64>>
+measureDirectories(const QStringList& paths, std::stop_token stop = {}, int threadCount = 0);
 
 // The allocated bytes of the item itself when it is a regular file, otherwise 0 (a
 // folder, a link); absent when it cannot be examined.

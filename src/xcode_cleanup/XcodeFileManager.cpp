@@ -22,25 +22,6 @@ bool isUsableFolder(const QString& path)
     return stat(native.constData(), &st) == 0 && S_ISDIR(st.st_mode) && access(native.constData(), R_OK | W_OK) == 0;
 }
 
-// The size of a freshly walked row: sizes the walk already measured (derived data needs
-// them for its order) are reused, everything else is measured once. The same figures
-// calculateSize() would give, without walking the largest location twice.
-Size measureOnce(XcodeFileProperties& node, const std::stop_token& stop)
-{
-    if (node.size.isKnown())
-        return node.size;
-    qint64 sum = 0;
-    if (node.children) {
-        for (XcodeFileProperties& child : *node.children)
-            sum = checkedByteSum(sum, measureOnce(child, stop).bytesOrZero());
-    }
-    XcodeFileProperties own;
-    own.paths = node.paths;
-    sum = checkedByteSum(sum, own.calculateSize(stop).bytesOrZero());
-    node.size = Size::value(sum);
-    return node.size;
-}
-
 } // namespace
 
 std::unique_ptr<XcodeFileManager> XcodeFileManager::create(const QString& developerFolder,
@@ -161,7 +142,9 @@ std::optional<XcodeFileProperties> XcodeFileManager::scan(Location location, std
     }
     if (stop.stop_requested())
         return std::nullopt;
-    measureOnce(node, stop);
+    // Sizes the walk already measured (derived data needs them for its order) are kept;
+    // everything else is measured once.
+    calculateSizes(std::span(&node, 1), stop, true);
     if (stop.stop_requested())
         return std::nullopt;
     m_locationFiles[location] = node;

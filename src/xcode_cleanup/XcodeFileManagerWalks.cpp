@@ -162,11 +162,9 @@ std::vector<XcodeFileProperties> XcodeFileManager::derivedDataFiles(std::stop_to
         }
     }
     // The order is by size, so every size is needed before the rows can be shown.
-    for (XcodeFileProperties& file : files) {
-        if (stop.stop_requested())
-            return {};
-        file.calculateSize(stop);
-    }
+    calculateSizes(files, stop);
+    if (stop.stop_requested())
+        return {};
     std::stable_sort(files.begin(), files.end(),
                      [](const XcodeFileProperties& a, const XcodeFileProperties& b) { return a.size > b.size; });
     return files;

@@ -81,21 +81,61 @@ Size XcodeFileProperties::resolvedSize(std::stop_token stop)
 
 Size XcodeFileProperties::calculateSize(std::stop_token stop)
 {
-    qint64 sum = 0;
-    if (children) {
-        for (XcodeFileProperties& child : *children) {
-            const Size childSize = child.calculateSize(stop);
-            sum = checkedByteSum(sum, childSize.bytesOrZero());
-        }
+    calculateSizes(std::span(this, 1), std::move(stop));
+    return size;
+}
+
+namespace {
+
+// Children before their parent's own paths, in the order the sums below read them back.
+void gatherPaths(const XcodeFileProperties& node, bool keepKnown, QStringList& paths)
+{
+    if (keepKnown && node.size.isKnown())
+        return;
+    if (node.children) {
+        for (const XcodeFileProperties& child : *node.children)
+            gatherPaths(child, keepKnown, paths);
     }
-    for (const QString& path : std::as_const(paths)) {
-        std::optional<qint64> bytes = measureDirectory(path, stop);
+    paths.append(node.paths);
+}
+
+qint64 assignSizes(XcodeFileProperties& node,
+                   bool keepKnown,
+                   const QStringList& paths,
+                   const std::vector<std::optional<qint64>>& measured,
+                   qsizetype& next)
+{
+    if (keepKnown && node.size.isKnown())
+        return node.size.bytesOrZero();
+    qint64 sum = 0;
+    if (node.children) {
+        for (XcodeFileProperties& child : *node.children)
+            sum = checkedByteSum(sum, assignSizes(child, keepKnown, paths, measured, next));
+    }
+    for (qsizetype i = 0; i < node.paths.size(); ++i, ++next) {
+        std::optional<qint64> bytes = measured[size_t(next)];
         if (!bytes)
-            bytes = measureSingleItem(path);
+            bytes = measureSingleItem(paths.at(next));
         sum = checkedByteSum(sum, bytes.value_or(0));
     }
-    size = Size::value(sum);
-    return size;
+    node.size = Size::value(sum);
+    return sum;
+}
+
+} // namespace
+
+void calculateSizes(std::span<XcodeFileProperties> nodes, std::stop_token stop, bool keepKnownSizes)
+{
+    // One walk for every folder of every subtree: a location holds many small folders,
+    // and walking them one by one pays each one's start-up and lets its tail idle the
+    // other threads.
+    QStringList paths;
+    for (const XcodeFileProperties& node : nodes)
+        gatherPaths(node, keepKnownSizes, paths);
+    const std::vector<std::optional<qint64>> measured = measureDirectories(paths, std::move(stop));
+    qsizetype next = 0;
+    for (XcodeFileProperties& node : nodes)
+        assignSizes(node, keepKnownSizes, paths, measured, next);
 }
 
 } // namespace quillbay

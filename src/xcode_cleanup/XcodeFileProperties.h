@@ -5,6 +5,7 @@
 #include <QStringList>
 #include <QUuid>
 #include <optional>
+#include <span>
 #include <stop_token>
 #include <variant>
 #include <vector>
@@ -113,5 +114,9 @@ public:
     // that cannot be measured counts 0. Never leaves the size unknown.
     Size calculateSize(std::stop_token stop = {});
 };
+
+// calculateSize() for several subtrees at once, every folder measured in one shared walk.
+// With `keepKnownSizes`, a node whose size is already known keeps it and is not walked.
+void calculateSizes(std::span<XcodeFileProperties> nodes, std::stop_token stop = {}, bool keepKnownSizes = false);
 
 } // namespace quillbay

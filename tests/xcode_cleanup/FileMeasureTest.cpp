@@ -40,11 +40,26 @@ TEST(FileMeasureTest, CountsRegularFilesOnlyAndEveryHardLinkWhereItStands)
         {"d/empty", 0, 0},
         {"missing", std::nullopt, std::nullopt},
     };
+    QStringList together;
     for (const Case& c : cases) {
         SCOPED_TRACE(c.path);
         const QString path = tree.path(QString::fromLatin1(c.path));
         EXPECT_EQ(measureDirectory(path), c.directory);
         EXPECT_EQ(measureSingleItem(path), c.single);
+        together.append(path);
+    }
+    // Measured in one walk, with a folder given twice and an empty path among them, each
+    // answers as it does alone: a failing neighbour takes nothing from the others.
+    together.append(tree.path(QStringLiteral("d")));
+    together.append(QString());
+    for (const int threads : {1, 4}) {
+        SCOPED_TRACE(threads);
+        const std::vector<std::optional<qint64>> answers = measureDirectories(together, {}, threads);
+        ASSERT_EQ(answers.size(), std::size(cases) + 2);
+        for (size_t i = 0; i < std::size(cases); ++i)
+            EXPECT_EQ(answers[i], cases[i].directory) << cases[i].path;
+        EXPECT_EQ(answers[std::size(cases)], cases[0].directory);
+        EXPECT_EQ(answers[std::size(cases) + 1], std::nullopt);
     }
 }
 
@@ -74,10 +89,16 @@ TEST(FileMeasureTest, AFolderThatCannotBeListedFailsTheWholeMeasure)
     tree.writeSizedFile(QStringLiteral("p/locked/inner.bin"), 4096);
     tree.chmod(QStringLiteral("p/locked"), 0);
 
+    tree.writeSizedFile(QStringLiteral("q/readable.bin"), 8192);
+    const qint64 readable = TempTree::allocatedBytes(tree.path(QStringLiteral("q/readable.bin")));
+
     test::ReducedPrivileges unprivileged;
     for (const int threads : {1, 4}) {
         SCOPED_TRACE(threads);
         EXPECT_EQ(measureDirectory(tree.path(QStringLiteral("p")), {}, threads), std::nullopt);
+        const auto both
+            = measureDirectories({tree.path(QStringLiteral("p")), tree.path(QStringLiteral("q"))}, {}, threads);
+        EXPECT_EQ(both, (std::vector<std::optional<qint64>> {std::nullopt, readable}));
     }
     EXPECT_EQ(measureSingleItem(tree.path(QStringLiteral("p/locked"))), 0) << "a folder examined as itself is 0";
 }
