@@ -7,4 +7,4 @@ export CCACHE_BASEDIR="$PWD/.." CCACHE_NOHASHDIR=1
 cmake --preset default >/dev/null
 cmake --build --preset default -j "$(nproc)" --target quillbay-screenshots
 mkdir -p "$out"
-QT_QPA_PLATFORM=offscreen build/default/tests/screenshots/quillbay-screenshots "$out"
+QT_QPA_PLATFORM=offscreen build/default/tools/screenshots/quillbay-screenshots "$out"

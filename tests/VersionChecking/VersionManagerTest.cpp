@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "ScriptedUpdateServer.h"
+#include "UpdateFixture.h"
 #include "VersionChecking/VersionManager.h"
 #include "testsupport/LogCapture.h"
 #include "testsupport/TestEnvironment.h"
@@ -14,36 +14,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-struct Fixture
-{
-    test::ScriptedUpdateServer server;
-    QNetworkAccessManager network;
-    QList<QUrl> opened;
-    VersionManager manager;
-
-    explicit Fixture(QString bundleVersion = u"2.1.0"_s)
-        : manager(VersionCheckClient(configuration(server.baseURL()), network),
-                  std::move(bundleVersion),
-                  [this](const QUrl& url) { opened << url; })
-    {
-    }
-
-    static VersionCheckConfiguration configuration(const QString& base)
-    {
-        VersionCheckConfiguration c;
-        c.baseURL = QUrl(base);
-        c.appID = u"42"_s;
-        c.signatureSecret = u"manager-secret"_s;
-        return c;
-    }
-
-    bool checkAndWait()
-    {
-        QSignalSpy finished(&manager, &VersionManager::checkFinished);
-        manager.startCheck();
-        return finished.wait(10000);
-    }
-};
+using Fixture = test::UpdateFixture;
 
 const QByteArray kOptional = R"({"update_url":"https://u.test/2.2","force_update":false,"update_available":true})";
 const QByteArray kForced = R"({"update_url":"https://u.test/2.2","force_update":true,"update_available":false})";
@@ -52,7 +23,7 @@ const QByteArray kForced = R"({"update_url":"https://u.test/2.2","force_update":
 
 TEST(VersionManagerTest, AGoodAnswerReplacesTheInfoAndClearsTheError)
 {
-    Fixture f;
+    Fixture f {u"2.1.0"_s};
     test::LogCapture log(u".VersionChecking"_s);
     QSignalSpy infoChanged(&f.manager, &VersionManager::updateInfoChanged);
     QSignalSpy errorChanged(&f.manager, &VersionManager::lastErrorChanged);
@@ -131,28 +102,23 @@ TEST(VersionManagerTest, ACancelledHangingCheckReportsNothing)
 
 TEST(VersionManagerTest, OpensTheUpdatePageOnlyWhenOneIsKnownAndParses)
 {
-    const auto answer = [](const char* url) {
-        return QByteArray(R"({"update_url":")") + url + R"(","force_update":true,"update_available":true})";
-    };
     struct Case
     {
         const char* name;
-        QByteArray answer; // empty: no check at all
+        std::optional<QString> url; // none: no check at all
         QList<QUrl> expected;
     };
     const Case cases[] = {
-        {"no answer yet", {}, {}},
-        {"a page", answer("https://u.test/dl?x=1"), {QUrl(u"https://u.test/dl?x=1"_s)}},
-        {"empty address", answer(""), {}},
-        {"not an address", answer("http://exa mple.com/%zz"), {}},
+        {"no answer yet", std::nullopt, {}},
+        {"a page", u"https://u.test/dl?x=1"_s, {QUrl(u"https://u.test/dl?x=1"_s)}},
+        {"empty address", u""_s, {}},
+        {"not an address", u"http://exa mple.com/%zz"_s, {}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         Fixture f;
-        if (!c.answer.isEmpty()) {
-            f.server.answer(200, c.answer);
-            ASSERT_TRUE(f.checkAndWait());
-            ASSERT_TRUE(f.manager.updateInfo().has_value());
+        if (c.url) {
+            ASSERT_TRUE(f.answer(true, true, *c.url));
         }
         f.manager.openUpdateURL();
         EXPECT_EQ(f.opened, c.expected);

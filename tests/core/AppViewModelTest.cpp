@@ -17,14 +17,12 @@ TEST(AppViewModelTest, StoredValuesWinWrongTypesFallBackAndSettersWriteThrough)
         SettingsDefaults defaults(file);
         defaults.setValue(QStringLiteral("DateColumnIsVisible"), true);
         defaults.setValue(QStringLiteral("MacOSColumnIsVisible"), QStringLiteral("nope"));
-        defaults.setValue(QStringLiteral("AppearanceIndex"), QStringLiteral("dark"));
         defaults.setValue(QStringLiteral("DeveloperFolderBookmarkKey"), QByteArray("token"));
         SavedSpaceStore saved(defaults, QStringLiteral("TotalBytesDeleted"));
         AppViewModel model(defaults, saved);
         EXPECT_TRUE(model.onlyRelease());
         EXPECT_TRUE(model.isReleaseColumnVisible(ReleaseColumn::date));
         EXPECT_TRUE(model.isReleaseColumnVisible(ReleaseColumn::macOS)) << "a wrongly typed value takes the default";
-        EXPECT_EQ(model.appearanceIndex(), 0);
         EXPECT_TRUE(model.isDeveloperFolderAuthorized());
         model.setOnlyRelease(false);
         model.setReleaseColumnVisible(ReleaseColumn::visionOS, true);

@@ -90,10 +90,6 @@ TEST(MainSidebarFooterTest, EveryControlDoesItsJob)
     f.button("updateHoverButton")->click();
     EXPECT_EQ(f.updates.opened, QList<QUrl> {QUrl(u"https://quillbay.app/download/1.5"_s)});
 
-    EXPECT_FALSE(f.engagement.isPresentingPurchaseView());
-    f.button("leaveTipHoverButton")->click();
-    EXPECT_TRUE(f.engagement.isPresentingPurchaseView());
-
     QMenu* menu = f.footer.moreMenu();
     EXPECT_EQ(f.button("moreHoverButton")->menu(), menu);
     QStringList titles;
@@ -117,7 +113,6 @@ TEST(MainSidebarFooterTest, TheReviewQueryReplacesAnyEarlierAction)
         QString page, expected;
     };
     const Case cases[] = {
-        {u"https://apps.apple.com/app/id1"_s, u"https://apps.apple.com/app/id1?action=write-review"_s},
         {u"https://apps.apple.com/app/id1?mt=12"_s, u"https://apps.apple.com/app/id1?mt=12&action=write-review"_s},
         {u"https://apps.apple.com/app/id1?action=view"_s, u"https://apps.apple.com/app/id1?action=write-review"_s},
     };

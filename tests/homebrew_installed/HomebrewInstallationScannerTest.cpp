@@ -184,16 +184,13 @@ TEST(HomebrewInstallationScannerTest, KindFoldersAreFollowedOnlyInsideTheRoot)
          u"brew"_s,
          {u"formula jq 1.7 Cellar/jq/1.7"_s}},
         {"Caskroom is a dangling link", [](TempTree& t) { t.symlink(u"brew/Caskroom"_s, u"gone"_s); }, u"brew"_s, {}},
+        // Rows name the root as given, not its resolved target.
         {"root reached through a link",
          [](TempTree& t) {
              t.mkdir(u"brew/Cellar/jq/1.7"_s);
              t.symlink(u"brew-link"_s, u"brew"_s);
          },
          u"brew-link"_s,
-         {u"formula jq 1.7 Cellar/jq/1.7"_s}},
-        {"root given with dot segments",
-         [](TempTree& t) { t.mkdir(u"brew/Cellar/jq/1.7"_s); },
-         u"brew/Cellar/../."_s,
          {u"formula jq 1.7 Cellar/jq/1.7"_s}},
     };
     for (const Case& c : cases) {
@@ -203,42 +200,24 @@ TEST(HomebrewInstallationScannerTest, KindFoldersAreFollowedOnlyInsideTheRoot)
         c.build(tree);
         const HomebrewInstallationScanResult result = scanOrFail(tree.path(c.root));
         EXPECT_TRUE(result.unreadableKinds.empty());
-        // Rows name the root as given (standardized), not its resolved target.
-        const QString shownRoot = c.root == u"brew-link"_s ? tree.path(c.root) : tree.path(u"brew"_s);
-        EXPECT_EQ(describe(result, shownRoot), c.expected);
+        EXPECT_EQ(describe(result, tree.path(c.root)), c.expected);
     }
 }
 
+// Prefix rules are the path helpers' own, and the package page covers the ways out; what
+// is left is that links are resolved on both sides before comparing.
 TEST(HomebrewInstallationScannerTest, ContainmentResolvesLinksOnBothSides)
 {
     TempTree tree;
     tree.mkdir(u"root/Cellar/wget/1.0"_s);
-    tree.mkdir(u"root2/Cellar"_s);
     tree.mkdir(u"outside/x"_s);
     tree.symlink(u"root/escape"_s, u"../outside"_s);
     tree.symlink(u"outside/back-in"_s, u"../root/Cellar"_s);
     tree.symlink(u"root-link"_s, u"root"_s);
-
     const QString root = tree.path(u"root"_s);
-    struct Case
-    {
-        QString url;
-        QString root;
-        bool expected;
-    };
-    const Case cases[] = {
-        {root, root, true},
-        {tree.path(u"root2/Cellar"_s), root, false}, // shared prefix, other folder
-        {tree.path(u"root/Cellar/../../outside/x"_s), root, false}, // dot segments leave
-        {tree.path(u"root/escape/x"_s), root, false}, // link inside points out
-        {tree.path(u"outside/back-in/wget"_s), root, true}, // link outside points in
-        {tree.path(u"root/Cellar/wget"_s), tree.path(u"root-link"_s), true},
-        {tree.path(u"root"_s), tree.path(u"root/Cellar"_s), false}, // the parent is not inside
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE((c.url + u" in "_s + c.root).toStdString());
-        EXPECT_EQ(HomebrewInstallationScanner::isInsideRoot(c.url, c.root), c.expected);
-    }
+    EXPECT_TRUE(HomebrewInstallationScanner::isInsideRoot(tree.path(u"outside/back-in/wget"_s), root));
+    EXPECT_TRUE(HomebrewInstallationScanner::isInsideRoot(tree.path(u"root/Cellar/wget"_s), tree.path(u"root-link"_s)));
+    EXPECT_FALSE(HomebrewInstallationScanner::isInsideRoot(tree.path(u"root/escape/x"_s), tree.path(u"root-link"_s)));
 }
 
 TEST(HomebrewInstallationScannerTest, AFolderThatCannotBeListedMakesItsKindUnreadable)
@@ -252,11 +231,6 @@ TEST(HomebrewInstallationScannerTest, AFolderThatCannotBeListedMakesItsKindUnrea
         QStringList expected;
     };
     const Case cases[] = {
-        {"a package folder",
-         u"brew/Cellar/locked"_s,
-         0,
-         {HomebrewCatalogKind::formula},
-         {u"cask iterm2 3.5 Caskroom/iterm2/3.5"_s}},
         {"a package folder that can be entered but not read",
          u"brew/Cellar/locked"_s,
          0111,

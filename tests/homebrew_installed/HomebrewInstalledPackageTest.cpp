@@ -35,8 +35,6 @@ TEST(HomebrewInstalledPackageTest, IsPossiblyOutdatedComparesVersionTextsOnly)
         {"same text", u"1.2.3"_s, u"1.2.3"_s, false},
         {"installed is newer", u"1.2.3"_s, u"1.3.0"_s, true},
         {"spelled differently", u"1.2"_s, u"1.2.0"_s, true},
-        {"case differs", u"1.0-RC1"_s, u"1.0-rc1"_s, true},
-        {"installed empty name", u"1.0"_s, u""_s, true},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -60,19 +58,14 @@ TEST(HomebrewInstalledPackageTest, ShellQuotingSurvivesHostileNames)
     const Case cases[] = {
         {u"python@3.12"_s, u"python@3.12"_s},
         {u"a-b_c+d=e:f,g./h%i"_s, u"a-b_c+d=e:f,g./h%i"_s},
-        {u"café"_s, u"café"_s},
         {u""_s, u"''"_s},
         {u"it's"_s, u"'it'\"'\"'s'"_s},
         {u"'"_s, u"''\"'\"''"_s},
         {u"a b"_s, u"'a b'"_s},
         {u"$(rm -rf ~)"_s, u"'$(rm -rf ~)'"_s},
-        {u"`id`"_s, u"'`id`'"_s},
-        {u"x;y&z|w"_s, u"'x;y&z|w'"_s},
+        {u"`id`;x&y|*"_s, u"'`id`;x&y|*'"_s},
         {u"new\nline"_s, u"'new\nline'"_s},
-        {u"*"_s, u"'*'"_s},
-        {u"~user"_s, u"'~user'"_s},
-        {u"back\\slash"_s, u"'back\\slash'"_s},
-        {u"non\u00a0breaking"_s, u"'non\u00a0breaking'"_s},
+        {u"~user\\"_s, u"'~user\\'"_s},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.text.toStdString());
@@ -83,8 +76,4 @@ TEST(HomebrewInstalledPackageTest, ShellQuotingSurvivesHostileNames)
     }
     const QString broken = u"pkg"_s + QChar(0xD800); // unpaired surrogate
     EXPECT_EQ(shellQuoted(broken), u'\'' + broken + u'\'');
-
-    const HomebrewInstalledPackage formula {HomebrewCatalogKind::formula, u"a b"_s, u"1"_s, {}, std::nullopt};
-    EXPECT_EQ(formula.upgradeCommand(), u"brew upgrade --formula 'a b'"_s);
-    EXPECT_EQ(formula.uninstallCommand(), u"brew uninstall --formula 'a b'"_s);
 }

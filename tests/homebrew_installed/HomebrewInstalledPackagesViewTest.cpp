@@ -1,4 +1,3 @@
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLabel>
@@ -223,13 +222,6 @@ TEST_F(HomebrewInstalledPackagesViewTest, ARootWithoutCasksShowsNoInstalledCasks
               }));
     // The list stayed on show through the rescan.
     EXPECT_FALSE(seen.contains(State::scanning));
-
-    // The formula picker with no formulae shows its own panel.
-    QDir(root() + u"/Cellar"_s).removeRecursively();
-    install(u"Caskroom/iterm2/3.5.4"_s);
-    installed->rescan();
-    ASSERT_TRUE(waitUntil([&] { return installedIdle() && state() == State::noPackages; }));
-    EXPECT_EQ(panelTitle(), u"No Installed Formulae"_s);
 }
 
 TEST_F(HomebrewInstalledPackagesViewTest, AFailedFirstScanOffersRetryAndAFailedRescanKeepsTheTable)

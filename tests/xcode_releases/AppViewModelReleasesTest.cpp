@@ -98,19 +98,6 @@ TEST(AppViewModelReleasesTest, CachedListShowsBeforeTheNetworkAnswers)
         << "feed order, nothing sorted";
 }
 
-TEST(AppViewModelReleasesTest, ApplyingBadBytesLeavesTheListAlone)
-{
-    Store s(std::nullopt, 200, smallFeed());
-    ASSERT_TRUE(waitUntil([&] { return s.model->releases().size() == 2; }));
-    for (const QByteArray& bad : {QByteArray(), QByteArray("{}"), kCorrupt}) {
-        SCOPED_TRACE(bad.constData());
-        EXPECT_FALSE(s.model->applyReleaseData(bad));
-        EXPECT_EQ(s.model->releases().size(), 2);
-    }
-    EXPECT_TRUE(s.model->applyReleaseData("[]")) << "an empty array decodes; only the service refuses it";
-    EXPECT_TRUE(s.model->releases().isEmpty());
-}
-
 TEST(AppViewModelReleasesTest, InstalledXcodeVersionComesFromTheBundle)
 {
     struct Case

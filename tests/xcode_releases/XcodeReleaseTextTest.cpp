@@ -61,19 +61,13 @@ TEST(XcodeReleaseTextTest, ReleaseLabelLowercasesTheKeyButKeepsOddities)
         {R"j({"beta": 3})j", QStringLiteral("Beta 3"), false},
         {R"j({"BETA": true})j", QStringLiteral("Beta"), false},
         {R"j({"RC": 2})j", QStringLiteral("RC 2"), false},
-        {R"j({"rc": true})j", QStringLiteral("RC"), false},
-        {R"j({"gm": true})j", QString(), false},
         {R"j({"gm": false})j", QString(), false},
-        {R"j({"gm": 2})j", QStringLiteral(" 2"), false},
         {R"j({"gmSeed": -1})j", QStringLiteral(" -1"), false},
-        {R"j({"beta": "x"})j", QStringLiteral("unknown"), false},
-        {R"j({"beta": 2.0})j", QStringLiteral("unknown"), false},
         {R"j({})j", QStringLiteral("unknown"), false},
         {R"j({"beta": 4, "release": true})j", QStringLiteral("Beta 4"), true},
         // Integer first, then boolean, anything else unknown.
-        {R"j({"beta": -2})j", QStringLiteral("Beta -2"), false},
+        {R"j({"beta": 2.0})j", QStringLiteral("unknown"), false},
         {R"j({"beta": null})j", QStringLiteral("unknown"), false},
-        {R"j({"beta": {"n": 1}})j", QStringLiteral("unknown"), false},
         {R"j({"beta": 18446744073709551615})j", QStringLiteral("unknown"), false},
     };
     for (const Case& c : cases) {

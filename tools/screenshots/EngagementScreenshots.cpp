@@ -17,8 +17,8 @@
 #include "engagement/views/PurchaseView.h"
 #include "foundation/Defaults.h"
 #include "platform/TipStore.h"
-#include "tests/screenshots/Screenshots.h"
 #include "testsupport/TestEnvironment.h"
+#include "tools/screenshots/Screenshots.h"
 
 namespace quillbay::screenshots {
 

@@ -1,8 +1,8 @@
 #include <QApplication>
 #include <QTreeView>
 
-#include "tests/screenshots/Screenshots.h"
 #include "testsupport/CleanupFlowFixture.h"
+#include "tools/screenshots/Screenshots.h"
 #include "xcode_cleanup/views/CleanupView.h"
 #include "xcode_cleanup/views/XcodeCleanupContent.h"
 

@@ -11,9 +11,9 @@
 #include "homebrew_installed/HomebrewInstalledPackagesStore.h"
 #include "platform/FolderBookmark.h"
 #include "platform/UserPaths.h"
-#include "tests/screenshots/Screenshots.h"
 #include "testsupport/TempTree.h"
 #include "testsupport/TestEnvironment.h"
+#include "tools/screenshots/Screenshots.h"
 
 namespace quillbay::screenshots {
 

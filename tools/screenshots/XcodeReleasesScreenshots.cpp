@@ -8,9 +8,9 @@
 #include "core/AppViewModel.h"
 #include "core/state/SavedSpaceStore.h"
 #include "foundation/Defaults.h"
-#include "tests/screenshots/Screenshots.h"
 #include "testsupport/ScriptedPanels.h"
 #include "testsupport/TestEnvironment.h"
+#include "tools/screenshots/Screenshots.h"
 #include "xcode_releases/XcodeReleaseService.h"
 #include "xcode_releases/views/XcodeReleasesView.h"
 

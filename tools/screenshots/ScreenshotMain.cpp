@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "core/views/SymbolIcons.h"
-#include "tests/screenshots/Screenshots.h"
+#include "tools/screenshots/Screenshots.h"
 
 namespace quillbay::screenshots {
 

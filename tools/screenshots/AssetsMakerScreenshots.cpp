@@ -9,7 +9,7 @@
 #include "core/views/ContentView.h"
 #include "core/views/SidebarItem.h"
 #include "foundation/Defaults.h"
-#include "tests/screenshots/Screenshots.h"
+#include "tools/screenshots/Screenshots.h"
 
 namespace quillbay::screenshots {
 

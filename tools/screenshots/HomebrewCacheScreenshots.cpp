@@ -13,10 +13,10 @@
 #include "homebrew_cache/views/HomebrewCacheCleanupView.h"
 #include "homebrew_cache/views/HomebrewCacheOutlineModel.h"
 #include "homebrew_cache/views/HomebrewCacheSettingsSection.h"
-#include "tests/screenshots/Screenshots.h"
 #include "testsupport/ScriptedPanels.h"
 #include "testsupport/TempTree.h"
 #include "testsupport/TestEnvironment.h"
+#include "tools/screenshots/Screenshots.h"
 
 namespace quillbay::screenshots {
 

@@ -21,8 +21,8 @@
 #include "homebrew_installed/HomebrewInstalledPackagesStore.h"
 #include "platform/Pickers.h"
 #include "platform/Workspace.h"
-#include "tests/screenshots/Screenshots.h"
 #include "testsupport/TestEnvironment.h"
+#include "tools/screenshots/Screenshots.h"
 
 namespace quillbay::screenshots {
 

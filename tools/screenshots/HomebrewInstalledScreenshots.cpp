@@ -9,7 +9,7 @@
 #include "homebrew_installed/views/HomebrewInstalledPackagesView.h"
 #include "homebrew_installed/views/HomebrewInstalledSettingsSection.h"
 #include "tests/homebrew_installed/InstalledScreenFixture.h"
-#include "tests/screenshots/Screenshots.h"
+#include "tools/screenshots/Screenshots.h"
 
 namespace quillbay::screenshots {
 

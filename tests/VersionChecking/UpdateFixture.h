@@ -32,6 +32,14 @@ struct UpdateFixture
         return c;
     }
 
+    // Runs one check to its end, whatever the server was told to answer.
+    bool checkAndWait()
+    {
+        QSignalSpy finished(&manager, &VersionManager::checkFinished);
+        manager.startCheck();
+        return finished.wait(10000);
+    }
+
     bool answer(bool forceUpdate, bool updateAvailable, const QString& url = QStringLiteral("https://u.test/get"))
     {
         server.answer(200,
@@ -39,9 +47,7 @@ struct UpdateFixture
                           .arg(url, forceUpdate ? QStringLiteral("true") : QStringLiteral("false"),
                                updateAvailable ? QStringLiteral("true") : QStringLiteral("false"))
                           .toUtf8());
-        QSignalSpy finished(&manager, &VersionManager::checkFinished);
-        manager.startCheck();
-        return finished.wait(10000) && manager.updateInfo().has_value();
+        return checkAndWait() && manager.updateInfo().has_value();
     }
 };
 
