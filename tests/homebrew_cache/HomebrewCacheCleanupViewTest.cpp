@@ -17,6 +17,7 @@
 #include "core/views/FolderAuthorizationRequiredView.h"
 #include "core/views/SidebarItem.h"
 #include "core/views/ToastOverlay.h"
+#include "core/views/UnavailablePanel.h"
 #include "foundation/ByteCount.h"
 #include "homebrew_cache/views/HomebrewCacheCleanupView.h"
 #include "homebrew_cache/views/HomebrewCacheOutlineModel.h"
@@ -121,6 +122,13 @@ TEST(HomebrewCacheCleanupViewTest, AuthorizeDeselectOnePackageDeleteAndSeeTheRes
     EXPECT_EQ(view.confirmation(), nullptr);
     ASSERT_TRUE(waitUntil(
         [&] { return !f.store->isCleaning() && view.currentPage()->objectName() == QLatin1String("emptyPanel"); }));
+    const auto* empty = qobject_cast<UnavailablePanel*>(view.currentPage());
+    ASSERT_NE(empty, nullptr);
+    EXPECT_EQ(empty->title(), QStringLiteral("Homebrew Cache Is Empty"));
+    EXPECT_EQ(empty->description(), QStringLiteral("No cache contents were found in the authorized folder."));
+    ASSERT_NE(empty->button(), nullptr);
+    EXPECT_EQ(empty->button()->objectName(), QStringLiteral("emptyRescanPushButton"));
+    EXPECT_EQ(empty->button()->text(), QStringLiteral("Rescan"));
     EXPECT_FALSE(child<QWidget>(view, "homebrewCacheCleanupFooter")->isVisible());
     // The toast clears itself and the store with it.
     ASSERT_TRUE(
@@ -143,6 +151,12 @@ TEST(HomebrewCacheCleanupViewTest, AFailedRescanOffersRetry)
     f.cache.tree().symlink(QStringLiteral("home/.cache/Homebrew"), moved);
     ASSERT_TRUE(pressKey(&view, QKeySequence(Qt::CTRL | Qt::Key_R))) << "Ctrl+R rescans";
     ASSERT_TRUE(waitUntil([&] { return view.currentPage()->objectName() == QLatin1String("failedPanel"); }));
+    const auto* failed = qobject_cast<UnavailablePanel*>(view.currentPage());
+    ASSERT_NE(failed, nullptr);
+    EXPECT_EQ(failed->title(), QStringLiteral("Failed to load data"));
+    ASSERT_TRUE(f.store->errorMessage().has_value());
+    EXPECT_FALSE(failed->description().isEmpty());
+    EXPECT_EQ(failed->description(), *f.store->errorMessage());
     EXPECT_TRUE(child<QPushButton>(view, "retryPushButton")->isEnabled());
 
     // Put it back: "Retry" scans again and the outline returns.

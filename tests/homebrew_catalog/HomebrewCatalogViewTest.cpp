@@ -8,12 +8,12 @@
 #include <QScrollBar>
 
 #include "CatalogViewFixture.h"
+#include "core/views/UnavailablePanel.h"
 #include "homebrew_catalog/views/HomebrewCatalogColumnsPanel.h"
 #include "homebrew_catalog/views/HomebrewCatalogView.h"
 #include "homebrew_catalog/views/HomebrewPackageDetailView.h"
 #include "homebrew_catalog/views/HomebrewPackageTable.h"
 #include "homebrew_catalog/views/HomebrewPackageTableModel.h"
-#include "homebrew_catalog/views/HomebrewUnavailableView.h"
 
 using namespace quillbay;
 using namespace quillbay::test;
@@ -98,7 +98,9 @@ TEST_F(CatalogViewTest, SearchLayerFollowsTheKindWithoutNewSearchesAndKeepsTheCa
         }
         EXPECT_EQ(store->searchResultGeneration(), searches);
     }
-    const auto* noResults = view->findChild<HomebrewUnavailableView*>(u"noResultsView"_s);
+    const auto* noResults = view->findChild<UnavailablePanel*>(u"noResultsView"_s);
+    ASSERT_NE(noResults, nullptr);
+    EXPECT_EQ(noResults->button(), nullptr);
     EXPECT_EQ(noResults->title(), u"No Packages Found"_s);
     EXPECT_EQ(noResults->description(), u"Try a different name, alias, or description."_s);
 

@@ -9,9 +9,9 @@
 #include <cstring>
 
 #include "CatalogViewFixture.h"
+#include "core/views/UnavailablePanel.h"
 #include "homebrew_catalog/views/HomebrewInstalledPackageDetailSections.h"
 #include "homebrew_catalog/views/HomebrewPackageDetailView.h"
-#include "homebrew_catalog/views/HomebrewUnavailableView.h"
 #include "homebrew_installed/HomebrewInstalledPackagesStore.h"
 #include "platform/Pickers.h"
 
@@ -162,7 +162,7 @@ TEST_F(CatalogViewFixture, PageWithoutCatalogFallsBackToTheIdentifierAndOffersTr
     EXPECT_EQ(view.currentContent()->objectName(), u"detailLoadingView"_s);
     ASSERT_TRUE(waitUntil([&] { return offline->detailErrors().contains(route); }));
     ASSERT_TRUE(waitUntil([&] { return !offline->detailLoadingRoutes().contains(route); }));
-    auto* unavailable = qobject_cast<HomebrewUnavailableView*>(view.currentContent());
+    auto* unavailable = qobject_cast<UnavailablePanel*>(view.currentContent());
     ASSERT_NE(unavailable, nullptr);
     EXPECT_EQ(unavailable->title(), u"Package Details Unavailable"_s);
     EXPECT_EQ(unavailable->description(), offline->detailErrors().value(route));

@@ -60,7 +60,7 @@ protected:
     State state() const { return view->content()->state(); }
     QString panelTitle() const
     {
-        return view->content()->currentWidget()->findChild<QLabel*>(u"panelTitleLabel"_s)->text();
+        return view->content()->currentWidget()->findChild<QLabel*>(u"unavailableTitleLabel"_s)->text();
     }
     HomebrewInstalledPackageTableModel& model() const { return *view->content()->table()->packageModel(); }
     // Every cell of a row as the table shows it, with the name's subtitle after a "/".
@@ -238,7 +238,7 @@ TEST_F(HomebrewInstalledPackagesViewTest, AFailedFirstScanOffersRetryAndAFailedR
     EXPECT_EQ(seen.mid(seen.indexOf(State::scanning)), (QList<State> {State::scanning, State::failed}));
     EXPECT_EQ(state(), State::failed);
     EXPECT_EQ(panelTitle(), u"Failed to load data"_s);
-    const auto* description = view->content()->currentWidget()->findChild<QLabel*>(u"panelDescriptionLabel"_s);
+    const auto* description = view->content()->currentWidget()->findChild<QLabel*>(u"unavailableDescriptionLabel"_s);
     EXPECT_EQ(description->text(), u"Choose a Homebrew root folder that contains bin/brew."_s);
     EXPECT_EQ(installed->errorMessage(), description->text());
     EXPECT_TRUE(installed->isAuthorized());

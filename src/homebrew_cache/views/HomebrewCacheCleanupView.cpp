@@ -18,11 +18,11 @@
 #include "core/views/StatusPanels.h"
 #include "core/views/SymbolIcons.h"
 #include "core/views/ToastOverlay.h"
+#include "core/views/UnavailablePanel.h"
 #include "foundation/ByteCount.h"
 #include "homebrew_cache/HomebrewCacheCleanupStore.h"
 #include "homebrew_cache/views/HomebrewCacheCleanupFooter.h"
 #include "homebrew_cache/views/HomebrewCacheOutlineModel.h"
-#include "homebrew_cache/views/HomebrewCacheUnavailablePanel.h"
 
 namespace quillbay {
 
@@ -37,10 +37,8 @@ HomebrewCacheCleanupView::HomebrewCacheCleanupView(HomebrewCacheCleanupStore& st
           tr("Calculate and clean Homebrew caches."), QStringLiteral("externaldrive.badge.questionmark"), m_pages))
     , m_chooseFolder(m_authorization->addAction(tr("Choose Folder"), QStringLiteral("chooseFolderPushButton")))
     , m_scanning(makeProgressPanel(tr("Scanning Homebrew Cache"), QStringLiteral("scanningPanel"), m_pages))
-    , m_failed(new HomebrewCacheUnavailablePanel(
-          QStringLiteral("exclamationmark.triangle"), tr("Failed to load data"), tr("Retry"), m_pages))
-    , m_empty(new HomebrewCacheUnavailablePanel(
-          QStringLiteral("checkmark.circle"), tr("Homebrew Cache Is Empty"), tr("Rescan"), m_pages))
+    , m_failed(new UnavailablePanel(tr("Retry"), m_pages))
+    , m_empty(new UnavailablePanel(tr("Rescan"), m_pages))
     , m_outline(new QTreeView(m_pages))
     , m_model(new HomebrewCacheOutlineModel(store, this))
     , m_footer(new HomebrewCacheCleanupFooter(store, this))
@@ -77,9 +75,11 @@ HomebrewCacheCleanupView::HomebrewCacheCleanupView(HomebrewCacheCleanupStore& st
     layout->addWidget(m_errorLine);
 
     m_failed->setObjectName(QStringLiteral("failedPanel"));
+    m_failed->setContent(QStringLiteral("exclamationmark.triangle"), tr("Failed to load data"), QString());
     m_failed->button()->setObjectName(QStringLiteral("retryPushButton"));
     m_empty->setObjectName(QStringLiteral("emptyPanel"));
-    m_empty->setDescription(tr("No cache contents were found in the authorized folder."));
+    m_empty->setContent(QStringLiteral("checkmark.circle"), tr("Homebrew Cache Is Empty"),
+                        tr("No cache contents were found in the authorized folder."));
     m_empty->button()->setObjectName(QStringLiteral("emptyRescanPushButton"));
 
     m_outline->setObjectName(QStringLiteral("outlineTreeView"));

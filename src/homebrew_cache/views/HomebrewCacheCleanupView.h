@@ -17,8 +17,8 @@ class FolderAuthorizationRequiredView;
 class HomebrewCacheCleanupFooter;
 class HomebrewCacheCleanupStore;
 class HomebrewCacheOutlineModel;
-class HomebrewCacheUnavailablePanel;
 class ToastOverlay;
+class UnavailablePanel;
 
 // The "Cleanup" page of the Homebrew tools: one of five states (authorization, scanning,
 // failed, empty, outline), the error line, the footer, the cleaning overlay, the toast
@@ -56,8 +56,8 @@ private:
     FolderAuthorizationRequiredView* m_authorization;
     QPushButton* m_chooseFolder;
     QWidget* m_scanning;
-    HomebrewCacheUnavailablePanel* m_failed;
-    HomebrewCacheUnavailablePanel* m_empty;
+    UnavailablePanel* m_failed;
+    UnavailablePanel* m_empty;
     QTreeView* m_outline;
     HomebrewCacheOutlineModel* m_model;
     HomebrewCacheCleanupFooter* m_footer;

@@ -14,12 +14,12 @@
 
 #include "core/views/KeyboardShortcuts.h"
 #include "core/views/SymbolIcons.h"
+#include "core/views/UnavailablePanel.h"
 #include "homebrew_catalog/HomebrewCatalogStore.h"
 #include "homebrew_catalog/views/HomebrewCatalogColumnsPanel.h"
 #include "homebrew_catalog/views/HomebrewPackageDetailView.h"
 #include "homebrew_catalog/views/HomebrewPackageTable.h"
 #include "homebrew_catalog/views/HomebrewProgressView.h"
-#include "homebrew_catalog/views/HomebrewUnavailableView.h"
 
 namespace quillbay {
 
@@ -50,21 +50,13 @@ HomebrewCatalogView::HomebrewCatalogView(HomebrewCatalogStore& store,
     , m_errorLine(new QWidget(m_catalogPage))
     , m_errorLabel(new QLabel(m_errorLine))
     , m_content(new QStackedWidget(m_catalogPage))
-    , m_unavailable(new HomebrewUnavailableView(u"shippingbox"_s,
-                                                u"Homebrew Catalog Unavailable"_s,
-                                                u"Connect to the internet and try again."_s,
-                                                u"Try Again"_s,
-                                                m_content))
+    , m_unavailable(new UnavailablePanel(u"Try Again"_s, m_content))
     , m_loading(new HomebrewProgressView(loadingText, m_content))
     , m_caskTable(new HomebrewPackageTable(m_content))
     , m_formulaTable(new HomebrewPackageTable(m_content))
     , m_searchLayer(new QStackedWidget(m_catalogPage))
     , m_searching(new HomebrewProgressView(loadingText, m_searchLayer))
-    , m_noResults(new HomebrewUnavailableView(u"magnifyingglass"_s,
-                                              u"No Packages Found"_s,
-                                              u"Try a different name, alias, or description."_s,
-                                              {},
-                                              m_searchLayer))
+    , m_noResults(new UnavailablePanel({}, m_searchLayer))
     , m_searchTable(new HomebrewPackageTable(m_searchLayer))
 {
     setObjectName(u"homebrewCatalogView"_s);
@@ -92,9 +84,14 @@ HomebrewCatalogView::HomebrewCatalogView(HomebrewCatalogStore& store,
     layout->addWidget(m_errorLine);
 
     m_unavailable->setObjectName(u"catalogUnavailableView"_s);
+    m_unavailable->setContent(u"shippingbox"_s, u"Homebrew Catalog Unavailable"_s,
+                              u"Connect to the internet and try again."_s);
+    m_unavailable->button()->setObjectName(u"tryAgainPushButton"_s);
     m_loading->setObjectName(u"catalogLoadingView"_s);
     m_searching->setObjectName(u"searchingView"_s);
     m_noResults->setObjectName(u"noResultsView"_s);
+    m_noResults->setContent(u"magnifyingglass"_s, u"No Packages Found"_s,
+                            u"Try a different name, alias, or description."_s);
     m_caskTable->setObjectName(u"caskTableView"_s);
     m_formulaTable->setObjectName(u"formulaTableView"_s);
     m_searchTable->setObjectName(u"searchResultsTableView"_s);

@@ -21,7 +21,7 @@ class HomebrewInstalledPackagesStore;
 class HomebrewPackageDetailView;
 class HomebrewPackageTable;
 class HomebrewProgressView;
-class HomebrewUnavailableView;
+class UnavailablePanel;
 class Workspace;
 
 // The "Catalog" tool: a toolbar (kind, sort, columns, search and its history), then the
@@ -87,14 +87,14 @@ private:
     QWidget* m_errorLine;
     QLabel* m_errorLabel;
     QStackedWidget* m_content;
-    HomebrewUnavailableView* m_unavailable;
+    UnavailablePanel* m_unavailable;
     HomebrewProgressView* m_loading;
     // One table per kind, so that each keeps its own scroll position across a switch.
     HomebrewPackageTable* m_caskTable;
     HomebrewPackageTable* m_formulaTable;
     QStackedWidget* m_searchLayer;
     HomebrewProgressView* m_searching;
-    HomebrewUnavailableView* m_noResults;
+    UnavailablePanel* m_noResults;
     HomebrewPackageTable* m_searchTable;
 };
 

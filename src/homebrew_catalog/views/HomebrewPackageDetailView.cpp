@@ -12,10 +12,10 @@
 #include <cstring>
 
 #include "core/views/SymbolIcons.h"
+#include "core/views/UnavailablePanel.h"
 #include "homebrew_catalog/HomebrewCatalogStore.h"
 #include "homebrew_catalog/views/HomebrewInstalledPackageDetailSections.h"
 #include "homebrew_catalog/views/HomebrewProgressView.h"
-#include "homebrew_catalog/views/HomebrewUnavailableView.h"
 #include "homebrew_installed/HomebrewInstalledPackagesStore.h"
 #include "platform/Clipboard.h"
 #include "platform/Workspace.h"
@@ -47,8 +47,7 @@ HomebrewPackageDetailView::HomebrewPackageDetailView(HomebrewCatalogStore& store
     , m_pages(new QStackedWidget(this))
     , m_scrollArea(new QScrollArea(m_pages))
     , m_loading(new HomebrewProgressView(u"Loading Package Details"_s, m_pages))
-    , m_unavailable(new HomebrewUnavailableView(
-          u"exclamationmark.triangle"_s, u"Package Details Unavailable"_s, unloadedMessage, u"Try Again"_s, m_pages))
+    , m_unavailable(new UnavailablePanel(u"Try Again"_s, m_pages))
 {
     setObjectName(u"homebrewPackageDetailView"_s);
     m_stack.append({route, std::move(installedPackage)});
@@ -88,6 +87,8 @@ HomebrewPackageDetailView::HomebrewPackageDetailView(HomebrewCatalogStore& store
     m_scrollArea->setFrameShape(QFrame::NoFrame);
     m_loading->setObjectName(u"detailLoadingView"_s);
     m_unavailable->setObjectName(u"detailUnavailableView"_s);
+    m_unavailable->setContent(u"exclamationmark.triangle"_s, u"Package Details Unavailable"_s, unloadedMessage);
+    m_unavailable->button()->setObjectName(u"tryAgainPushButton"_s);
     m_pages->addWidget(m_scrollArea);
     m_pages->addWidget(m_loading);
     m_pages->addWidget(m_unavailable);

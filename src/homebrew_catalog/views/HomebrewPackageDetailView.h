@@ -26,7 +26,7 @@ class HomebrewCatalogStore;
 class HomebrewInstalledPackageDetailSections;
 class HomebrewInstalledPackagesStore;
 class HomebrewProgressView;
-class HomebrewUnavailableView;
+class UnavailablePanel;
 class Workspace;
 
 // The page of one package, shared by the catalog and the installed-packages tools. It
@@ -121,7 +121,7 @@ private:
     QScrollArea* m_scrollArea;
     QWidget* m_form = nullptr;
     HomebrewProgressView* m_loading;
-    HomebrewUnavailableView* m_unavailable;
+    UnavailablePanel* m_unavailable;
     // Lives across rebuilds of the form, so that its "Copied" state survives a detail
     // arriving; recreated per page.
     QPointer<HomebrewInstalledPackageDetailSections> m_installedSections;

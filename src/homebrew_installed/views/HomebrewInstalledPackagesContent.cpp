@@ -7,9 +7,9 @@
 
 #include "core/views/FolderAuthorizationRequiredView.h"
 #include "core/views/StatusPanels.h"
+#include "core/views/UnavailablePanel.h"
 #include "homebrew_installed/HomebrewInstalledPackagesStore.h"
 #include "homebrew_installed/views/HomebrewInstalledPackageTable.h"
-#include "homebrew_installed/views/HomebrewInstalledUnavailablePanel.h"
 
 namespace quillbay {
 
@@ -21,10 +21,10 @@ HomebrewInstalledPackagesContent::HomebrewInstalledPackagesContent(HomebrewInsta
           tr("View installed Homebrew Formulae and Casks."), QStringLiteral("externaldrive.badge.questionmark"), this))
     , m_chooseFolder(m_authorization->addAction(tr("Choose Folder"), QStringLiteral("chooseFolderPushButton")))
     , m_scanning(makeProgressPanel(tr("Scanning Installed Packages"), QStringLiteral("scanningPanel"), this))
-    , m_failed(new HomebrewInstalledUnavailablePanel(tr("Retry"), this))
+    , m_failed(new UnavailablePanel(tr("Retry"), this))
     , m_filtering(makeProgressPanel(tr("Searching Installed Packages"), QStringLiteral("filteringPanel"), this))
-    , m_noSearchResults(new HomebrewInstalledUnavailablePanel(QString(), this))
-    , m_noPackages(new HomebrewInstalledUnavailablePanel(tr("Rescan"), this))
+    , m_noSearchResults(new UnavailablePanel(QString(), this))
+    , m_noPackages(new UnavailablePanel(tr("Rescan"), this))
     , m_table(new HomebrewInstalledPackageTable(this))
 {
     setObjectName(QStringLiteral("installedPackagesContent"));

@@ -11,7 +11,7 @@ namespace quillbay {
 class FolderAuthorizationRequiredView;
 class HomebrewInstalledPackagesStore;
 class HomebrewInstalledPackageTable;
-class HomebrewInstalledUnavailablePanel;
+class UnavailablePanel;
 
 // What the installed page shows, tested in this order.
 enum class HomebrewInstalledContentState {
@@ -48,10 +48,10 @@ private:
     FolderAuthorizationRequiredView* m_authorization;
     QPushButton* m_chooseFolder;
     QWidget* m_scanning;
-    HomebrewInstalledUnavailablePanel* m_failed;
+    UnavailablePanel* m_failed;
     QWidget* m_filtering;
-    HomebrewInstalledUnavailablePanel* m_noSearchResults;
-    HomebrewInstalledUnavailablePanel* m_noPackages;
+    UnavailablePanel* m_noSearchResults;
+    UnavailablePanel* m_noPackages;
     HomebrewInstalledPackageTable* m_table;
 };
 

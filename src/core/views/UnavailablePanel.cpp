@@ -1,4 +1,4 @@
-#include "homebrew_catalog/views/HomebrewUnavailableView.h"
+#include "core/views/UnavailablePanel.h"
 
 #include <QLabel>
 #include <QPushButton>
@@ -8,28 +8,30 @@
 
 namespace quillbay {
 
-HomebrewUnavailableView::HomebrewUnavailableView(const QString& systemImage,
-                                                 const QString& title,
-                                                 const QString& description,
-                                                 const QString& buttonTitle,
-                                                 QWidget* parent)
+namespace {
+
+constexpr int symbolSide = 44;
+
+} // namespace
+
+UnavailablePanel::UnavailablePanel(const QString& buttonTitle, QWidget* parent)
     : QWidget(parent)
-    , m_title(new QLabel(title, this))
-    , m_description(new QLabel(description, this))
+    , m_icon(new QLabel(this))
+    , m_title(new QLabel(this))
+    , m_description(new QLabel(this))
 {
-    setObjectName(QStringLiteral("unavailableView"));
+    setObjectName(QStringLiteral("unavailablePanel"));
     auto* layout = new QVBoxLayout(this);
     layout->setSpacing(8);
     layout->addStretch();
-    auto* icon = new QLabel(this);
-    icon->setPixmap(symbolIcon(systemImage).pixmap(44, 44));
-    icon->setAlignment(Qt::AlignCenter);
-    layout->addWidget(icon);
+    m_icon->setObjectName(QStringLiteral("unavailableSymbolLabel"));
+    m_icon->setAlignment(Qt::AlignCenter);
+    layout->addWidget(m_icon);
+    m_title->setObjectName(QStringLiteral("unavailableTitleLabel"));
     QFont font = m_title->font();
     font.setPointSizeF(font.pointSizeF() * 1.4);
     font.setBold(true);
     m_title->setFont(font);
-    m_title->setObjectName(QStringLiteral("unavailableTitleLabel"));
     m_title->setAlignment(Qt::AlignCenter);
     m_title->setWordWrap(true);
     layout->addWidget(m_title);
@@ -37,28 +39,36 @@ HomebrewUnavailableView::HomebrewUnavailableView(const QString& systemImage,
     m_description->setAlignment(Qt::AlignCenter);
     m_description->setWordWrap(true);
     m_description->setForegroundRole(QPalette::PlaceholderText);
+    // Descriptions often carry an error message worth copying into a report.
     m_description->setTextInteractionFlags(Qt::TextSelectableByMouse);
     layout->addWidget(m_description);
     if (!buttonTitle.isEmpty()) {
         m_button = new QPushButton(buttonTitle, this);
-        m_button->setObjectName(QStringLiteral("tryAgainPushButton"));
+        m_button->setObjectName(QStringLiteral("unavailablePushButton"));
         layout->addSpacing(4);
         layout->addWidget(m_button, 0, Qt::AlignHCenter);
     }
     layout->addStretch();
 }
 
-void HomebrewUnavailableView::setDescription(const QString& text)
+void UnavailablePanel::setContent(const QString& systemImage, const QString& title, const QString& description)
+{
+    m_icon->setPixmap(symbolIcon(systemImage).pixmap(symbolSide, symbolSide));
+    m_title->setText(title);
+    m_description->setText(description);
+}
+
+void UnavailablePanel::setDescription(const QString& text)
 {
     m_description->setText(text);
 }
 
-QString HomebrewUnavailableView::title() const
+QString UnavailablePanel::title() const
 {
     return m_title->text();
 }
 
-QString HomebrewUnavailableView::description() const
+QString UnavailablePanel::description() const
 {
     return m_description->text();
 }
