@@ -5,6 +5,7 @@
 #include <array>
 #include <numeric>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "foundation/LocalizedText.h"
@@ -64,14 +65,13 @@ int rankOf(const RankTable& ranks, char16_t c)
 // compare by value. After a separator below every token come the code units, which
 // settle texts that are equal by rank. Every token is shifted by one to keep the
 // separator lowest.
-std::u32string rankedForm(const RankTable& ranks, const QString& text)
+// Appended to `form`, which holds the forms of all texts of one sort.
+void appendRankedForm(const RankTable& ranks, const QString& text, std::u32string& form)
 {
     const char16_t* units = reinterpret_cast<const char16_t*>(text.constData());
     const qsizetype size = text.size();
     const char32_t digitMarker = char32_t(ranks[u'0' - kFirstRanked]) + 1;
     constexpr char32_t kLengthBase = 0x40000;
-    std::u32string form;
-    form.reserve(size_t(size) * 2 + 1);
     for (qsizetype i = 0; i < size;) {
         if (!isDigit(units[i])) {
             form.push_back(char32_t(rankOf(ranks, units[i])) + 1);
@@ -91,7 +91,6 @@ std::u32string rankedForm(const RankTable& ranks, const QString& text)
     form.push_back(0);
     for (qsizetype i = 0; i < size; ++i)
         form.push_back(char32_t(units[i]) + 1);
-    return form;
 }
 
 } // namespace
@@ -99,13 +98,31 @@ std::u32string rankedForm(const RankTable& ranks, const QString& text)
 void sortInStandardOrder(std::vector<const QString*>& texts)
 {
     const RankTable& ranks = asciiRanks();
-    std::vector<std::pair<std::u32string, const QString*>> ranked;
-    ranked.reserve(texts.size());
+    // All forms in one block: one allocation, and the sort moves small records only.
+    struct Ranked
+    {
+        size_t offset;
+        size_t size;
+        const QString* text;
+    };
+    std::u32string forms;
+    size_t units = 0;
     for (const QString* text : texts)
-        ranked.emplace_back(rankedForm(ranks, *text), text);
-    std::sort(ranked.begin(), ranked.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+        units += size_t(text->size());
+    forms.reserve(units * 3 + texts.size());
+    std::vector<Ranked> ranked;
+    ranked.reserve(texts.size());
+    for (const QString* text : texts) {
+        const size_t offset = forms.size();
+        appendRankedForm(ranks, *text, forms);
+        ranked.push_back(Ranked {offset, forms.size() - offset, text});
+    }
+    const std::u32string_view all(forms);
+    std::sort(ranked.begin(), ranked.end(), [all](const Ranked& a, const Ranked& b) {
+        return all.substr(a.offset, a.size) < all.substr(b.offset, b.size);
+    });
     for (size_t i = 0; i < ranked.size(); ++i)
-        texts[i] = ranked[i].second;
+        texts[i] = ranked[i].text;
     QCollator& collator = standardCollator();
     bool agrees = true;
     for (size_t i = 1; i < texts.size() && agrees; ++i)

@@ -1,0 +1,227 @@
+#include "homebrew_cache/HomebrewCacheScanRun.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <algorithm>
+#include <thread>
+
+#include "homebrew_cache/HomebrewCacheKeyOrder.h"
+#include "homebrew_cache/HomebrewCacheNameParts.h"
+
+namespace quillbay {
+
+namespace {
+
+using FS = HomebrewCacheFileSystem;
+
+QString childPath(const QString& folder, const QString& name)
+{
+    return folder.endsWith(QLatin1Char('/')) ? folder + name : folder + QLatin1Char('/') + name;
+}
+
+QString latin1(std::string_view bytes)
+{
+    return QString::fromLatin1(bytes.data(), qsizetype(bytes.size()));
+}
+
+// Package and version of an ASCII name, by the rules of parseCacheName.
+std::optional<std::pair<QString, QString>> parsedAscii(std::string_view name, bool isCask)
+{
+    const auto parts = parseCacheNameParts(name, isCask);
+    if (!parts)
+        return std::nullopt;
+    std::string_view package = name.substr(0, parts->packageSize);
+    std::string unmarked;
+    if (parts->hasManifestMark) {
+        constexpr std::string_view mark = "_bottle_manifest";
+        for (size_t at = 0;;) {
+            const size_t found = package.find(mark, at);
+            unmarked.append(package.substr(at, found == package.npos ? package.npos : found - at));
+            if (found == package.npos)
+                break;
+            at = found + mark.size();
+        }
+        package = unmarked;
+    }
+    return std::pair {latin1(package), latin1(name.substr(parts->versionStart, parts->versionSize))};
+}
+
+} // namespace
+
+HomebrewCacheScanRun::HomebrewCacheScanRun(QString root)
+    : m_root(std::move(root))
+    , m_downloads(childPath(m_root, QStringLiteral("downloads")))
+    , m_cask(childPath(m_root, QStringLiteral("Cask")))
+{
+    // An absolute link text that is the downloads folder's bytes, a slash and a plain name
+    // decodes to that very path, which is clean, only when the folder's path is ASCII,
+    // absolute and clean.
+    m_nativeDownloadsPrefix = QFile::encodeName(m_downloads + QLatin1Char('/'));
+    m_linksByName = m_root.startsWith(QLatin1Char('/'))
+        && std::all_of(m_nativeDownloadsPrefix.cbegin(), m_nativeDownloadsPrefix.cend(),
+                       [](char c) { return static_cast<unsigned char>(c) < 0x80; })
+        && FS::cleanPath(m_downloads) == m_downloads;
+}
+
+void HomebrewCacheScanRun::publish(Queue& queue)
+{
+    queue.ready.store(true, std::memory_order_release);
+    queue.ready.notify_all();
+}
+
+// Batches from one counter: a thread that starts late or runs slow (links cost a second
+// call) simply takes fewer. Each item is written by exactly one thread.
+void HomebrewCacheScanRun::drain(Queue& queue)
+{
+    queue.ready.wait(false, std::memory_order_acquire);
+    constexpr size_t kBatch = 32;
+    const size_t size = queue.work.size();
+    for (;;) {
+        const size_t first = queue.next.fetch_add(kBatch, std::memory_order_relaxed);
+        if (first >= size)
+            return;
+        for (size_t i = first, last = std::min(size, first + kBatch); i < last; ++i)
+            queue.work[i].first->examine(queue.work[i].second);
+    }
+}
+
+// The helper's part: downloads/ is the largest folder and needs no names work, so it is
+// listed and examined from the first moment, and then indexed by name for the links.
+void HomebrewCacheScanRun::listDownloads()
+{
+    m_downloadsIsReal = FS::isRealDirectory(m_downloads);
+    if (m_downloadsIsReal)
+        m_downloadsListing = Snapshot::list(m_downloads);
+    if (m_downloadsListing) {
+        m_downloadsQueue.work.reserve(m_downloadsListing->items().size());
+        for (size_t i = 0; i < m_downloadsListing->items().size(); ++i)
+            m_downloadsQueue.work.emplace_back(&*m_downloadsListing, i);
+    }
+    publish(m_downloadsQueue);
+    if (m_downloadsListing)
+        m_downloadsListing->indexAsciiNames();
+}
+
+HomebrewCacheScanResult HomebrewCacheScanRun::run()
+{
+    {
+        std::jthread helper([this] {
+            listDownloads();
+            drain(m_downloadsQueue);
+            drain(m_namedQueue);
+        });
+        QString listingError;
+        m_rootListing = Snapshot::list(m_root, &listingError);
+        if (!m_rootListing) {
+            publish(m_namedQueue);
+            helper.join();
+            return {{},
+                    HomebrewCacheScanFailure {
+                        std::nullopt,
+                        QCoreApplication::translate("HomebrewCache", "The folder “%1” couldn’t be opened. %2")
+                            .arg(m_root.section(QLatin1Char('/'), -1), listingError)}};
+        }
+        m_caskIsReal = FS::isRealDirectory(m_cask);
+        if (m_caskIsReal)
+            m_caskListing = Snapshot::list(m_cask);
+        for (Snapshot* listing : {&*m_rootListing, m_caskListing ? &*m_caskListing : nullptr}) {
+            for (size_t i = 0; listing && i < listing->items().size(); ++i)
+                m_namedQueue.work.emplace_back(listing, i);
+        }
+        publish(m_namedQueue);
+        collectNames();
+        drain(m_namedQueue);
+        drain(m_downloadsQueue);
+    }
+
+    const std::vector<EntryDraft> all = drafts();
+    // One visited set for the whole scan, in draft order: a file reachable from two
+    // entries counts for the first of them only.
+    FS::VisitedSet visited;
+    std::vector<HomebrewCacheEntry> entries;
+    entries.reserve(all.size());
+    for (const EntryDraft& draft : all) {
+        const FS::Measurement measured = measure(draft.parts, visited);
+        std::optional<qint64> size = measured.allocatedSize;
+        if (measured.allocatedSize == 0 && measured.hasIssue)
+            size.reset();
+        QStringList paths;
+        paths.reserve(qsizetype(draft.parts.size()));
+        for (const Part& part : draft.parts)
+            paths.append(part.path);
+        entries.push_back(HomebrewCacheEntry {draft.id, draft.category, draft.packageIdentifier, draft.version,
+                                              draft.displayName, std::move(paths), size, measured.isIncomplete,
+                                              draft.hasIssue || measured.hasIssue});
+    }
+    return {std::move(entries), std::nullopt};
+}
+
+HomebrewCacheScanRun::Part HomebrewCacheScanRun::partOf(const Snapshot& listing, size_t index) const
+{
+    const Item& item = listing.items()[index];
+    QString path = listing.path(item);
+    // Two non-ASCII names may decode to one text; a lookup of the path then decides.
+    return Part {path, path, &listing, item.isAscii ? qsizetype(index) : -1};
+}
+
+void HomebrewCacheScanRun::addReference(HomebrewCacheCategory category, const Snapshot& listing, size_t index)
+{
+    const Item& item = listing.items()[index];
+    auto parsed = item.isAscii
+        ? parsedAscii(listing.nameBytes(item), category == HomebrewCacheCategory::cask)
+        : HomebrewCacheScanner::parseCacheName(listing.name(item), category == HomebrewCacheCategory::cask);
+    if (!parsed) {
+        if (category == HomebrewCacheCategory::cask)
+            m_unrecognizedCask.push_back(partOf(listing, index));
+        return;
+    }
+    // The merge key joins category, package and version; the first reference of a key
+    // gives the merged draft its package and version.
+    const QString category_ = rawValue(category);
+    QString key;
+    key.reserve(category_.size() + parsed->first.size() + parsed->second.size() + 2);
+    key.append(category_).append(u':').append(parsed->first).append(u':').append(parsed->second);
+    const auto found = m_mergedIndex.constFind(key);
+    size_t slot = m_merged.size();
+    if (found == m_mergedIndex.cend()) {
+        m_mergedIndex.insert(key, slot);
+        m_keys.push_back(std::move(key));
+        m_merged.push_back(Merged {category, std::move(parsed->first), std::move(parsed->second), {}, false});
+    } else {
+        slot = *found;
+    }
+    m_references.push_back(Reference {&listing, index, slot, false, false, -1, {}, {}});
+    if (&listing == &*m_rootListing)
+        m_claimedTopLevel[index] = true;
+}
+
+// Everything that depends on names alone: which items are references of which package
+// and version, and the order of the packages. Runs while the items are being examined,
+// so it touches no status.
+void HomebrewCacheScanRun::collectNames()
+{
+    const Snapshot& root = *m_rootListing;
+    m_claimedTopLevel.assign(root.items().size(), false);
+    m_references.reserve(root.items().size() + (m_caskListing ? m_caskListing->items().size() : 0));
+    for (size_t i = 0; i < root.items().size(); ++i) {
+        const std::string_view name = root.nameBytes(root.items()[i]);
+        if (name == "downloads" || name == "Cask")
+            continue;
+        // Only formula links live at the top level: a cask link lying here counts as one.
+        addReference(HomebrewCacheCategory::formula, root, i);
+    }
+    if (m_caskIsReal && !m_caskListing) {
+        // Nothing inside can be told apart; the folder goes as one unrecognized item.
+        m_unrecognizedCask = {Part {m_cask, m_cask}};
+        m_caskListingFailed = true;
+    } else if (m_caskIsReal) {
+        for (size_t i = 0; i < m_caskListing->items().size(); ++i)
+            addReference(HomebrewCacheCategory::cask, *m_caskListing, i);
+    }
+    m_orderedKeys.reserve(m_keys.size());
+    for (const QString& key : m_keys)
+        m_orderedKeys.push_back(&key);
+    sortInStandardOrder(m_orderedKeys);
+}
+
+} // namespace quillbay

@@ -1,0 +1,126 @@
+#pragma once
+
+#include <QHash>
+#include <QString>
+#include <QStringList>
+#include <atomic>
+#include <optional>
+#include <vector>
+
+#include "homebrew_cache/HomebrewCacheEntry.h"
+#include "homebrew_cache/HomebrewCacheFileSystem.h"
+#include "homebrew_cache/HomebrewCacheFolderSnapshot.h"
+#include "homebrew_cache/HomebrewCacheScanner.h"
+
+namespace quillbay {
+
+// One scan of one cache folder, from listing to measured entries. Two threads list and
+// examine: a helper takes downloads/ from the first moment, the calling thread the root
+// and Cask/, and each helps with the other's items once its own are done, while the
+// calling thread also does the work that needs names only. Everything after that runs
+// on the calling thread.
+class HomebrewCacheScanRun
+{
+public:
+    using Snapshot = HomebrewCacheFolderSnapshot;
+    using Item = Snapshot::Item;
+
+    // `root` is clean.
+    explicit HomebrewCacheScanRun(QString root);
+    HomebrewCacheScanResult run();
+
+private:
+    // A path of an entry: what is shown and deleted, its standardized form, and, where
+    // known, the listed item that a lookup of the path would give.
+    struct Part
+    {
+        QString path;
+        QString clean;
+        const Snapshot* listing = nullptr;
+        qsizetype index = -1;
+    };
+
+    // One readable cache name that was understood: a link (or plain item) at the top level
+    // or in Cask/. The link is checked once the item's status is known.
+    struct Reference
+    {
+        const Snapshot* listing;
+        size_t index;
+        size_t mergedIndex; // its package and version in the merged table
+        bool hasTarget = false; // an existing item inside downloads/ of this cache
+        bool hasIssue = false;
+        qsizetype targetItem = -1; // the item of downloads/ the target is, if listed
+        QString targetPath; // as the link gives it, for targets not found by name alone
+        QString cleanTarget;
+    };
+
+    // The references of one category, package and version, merged in reference order.
+    struct Merged
+    {
+        HomebrewCacheCategory category;
+        QString packageIdentifier;
+        QString version;
+        std::vector<Part> parts;
+        bool hasIssue = false;
+    };
+
+    struct EntryDraft
+    {
+        QString id;
+        HomebrewCacheCategory category;
+        std::optional<QString> packageIdentifier;
+        std::optional<QString> version;
+        QString displayName;
+        std::vector<Part> parts;
+        bool hasIssue = false;
+    };
+
+    // Items waiting to be examined, handed out in batches from one counter.
+    struct Queue
+    {
+        std::vector<std::pair<Snapshot*, size_t>> work;
+        std::atomic<size_t> next {0};
+        std::atomic<bool> ready {false};
+    };
+
+    void listDownloads();
+    static void drain(Queue& queue);
+    static void publish(Queue& queue);
+    void addReference(HomebrewCacheCategory category, const Snapshot& listing, size_t index);
+    void collectNames();
+    Part partOf(const Snapshot& listing, size_t index) const;
+    void checkLink(Reference& reference);
+    qsizetype fastTarget(const Snapshot& listing, const Item& item) const;
+    bool isExistingDownload(const QString& destination, const QString& standardized);
+    std::vector<EntryDraft> drafts();
+    HomebrewCacheFileSystem::Measurement measure(const std::vector<Part>& parts,
+                                                 HomebrewCacheFileSystem::VisitedSet& visited) const;
+    std::optional<HomebrewCacheFileSystem::Measurement>
+    measureByPath(const QString& path, HomebrewCacheFileSystem::VisitedSet& visited) const;
+
+    QString m_root;
+    QString m_downloads;
+    QString m_cask;
+    std::optional<QString> m_resolvedRoot; // resolved when a link first needs it
+    QByteArray m_nativeDownloadsPrefix; // downloads/ with its slash, for absolute link texts
+    bool m_linksByName = false; // link texts can be matched as bytes
+
+    std::optional<Snapshot> m_rootListing;
+    std::optional<Snapshot> m_caskListing;
+    std::optional<Snapshot> m_downloadsListing;
+    bool m_caskIsReal = false;
+    bool m_downloadsIsReal = false;
+    Queue m_downloadsQueue;
+    Queue m_namedQueue; // the root's and Cask/'s items
+
+    std::vector<Reference> m_references;
+    std::vector<Merged> m_merged;
+    std::vector<QString> m_keys; // of m_merged, by the same index
+    QHash<QString, size_t> m_mergedIndex;
+    std::vector<const QString*> m_orderedKeys;
+    std::vector<bool> m_claimedTopLevel; // by root item
+    std::vector<Part> m_unrecognizedCask;
+    bool m_caskListingFailed = false;
+};
+
+} // namespace quillbay
