@@ -283,28 +283,31 @@ bool HomebrewCacheFileSystem::hasIncompleteSuffix(std::string_view name)
 
 bool HomebrewCacheFileSystem::VisitedSet::insert(const FileIdentity& identity)
 {
+    if (identity == FileIdentity {})
+        return !std::exchange(m_hasZero, true);
     if ((m_count + 1) * 2 > m_slots.size())
         grow();
     const size_t mask = m_slots.size() - 1;
     for (size_t at = identityHash(identity) & mask;; at = (at + 1) & mask) {
-        Slot& slot = m_slots[at];
-        if (!slot.used) {
-            slot = Slot {identity, true};
+        FileIdentity& slot = m_slots[at];
+        if (slot == FileIdentity {}) {
+            slot = identity;
             ++m_count;
             return true;
         }
-        if (slot.identity == identity)
+        if (slot == identity)
             return false;
     }
 }
 
 void HomebrewCacheFileSystem::VisitedSet::grow()
 {
-    std::vector<Slot> old = std::exchange(m_slots, std::vector<Slot>(std::max<size_t>(1024, m_slots.size() * 2)));
+    std::vector<FileIdentity> old
+        = std::exchange(m_slots, std::vector<FileIdentity>(std::max<size_t>(1024, m_slots.size() * 2)));
     m_count = 0;
-    for (const Slot& slot : old) {
-        if (slot.used)
-            insert(slot.identity);
+    for (const FileIdentity& identity : old) {
+        if (identity != FileIdentity {})
+            insert(identity);
     }
 }
 

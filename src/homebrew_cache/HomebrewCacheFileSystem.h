@@ -35,14 +35,12 @@ public:
         bool insert(const FileIdentity& identity);
 
     private:
-        struct Slot
-        {
-            FileIdentity identity;
-            bool used = false;
-        };
         void grow();
-        std::vector<Slot> m_slots;
+        // {0, 0} marks an empty slot; that identity itself, which no real file has, is
+        // kept aside.
+        std::vector<FileIdentity> m_slots;
         size_t m_count = 0;
+        bool m_hasZero = false;
     };
 
     // The parts of an item's lstat that measuring needs.

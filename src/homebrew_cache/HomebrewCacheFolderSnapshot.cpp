@@ -164,12 +164,17 @@ QString HomebrewCacheFolderSnapshot::name(const Item& item) const
 
 QString HomebrewCacheFolderSnapshot::path(const Item& item) const
 {
-    const std::string_view bytes = nameBytes(item);
     if (!item.isAscii)
         return m_prefix + name(item);
-    QString path;
-    path.reserve(m_prefix.size() + qsizetype(bytes.size()));
-    path.append(m_prefix).append(QLatin1StringView(bytes.data(), qsizetype(bytes.size())));
+    // One allocation, written in place: appending to a reserved string reallocates once
+    // the prefix has been shared into it.
+    const std::string_view bytes = nameBytes(item);
+    QString path(m_prefix.size() + qsizetype(bytes.size()), Qt::Uninitialized);
+    char16_t* out = reinterpret_cast<char16_t*>(path.data());
+    std::memcpy(out, m_prefix.constData(), size_t(m_prefix.size()) * sizeof(char16_t));
+    out += m_prefix.size();
+    for (const char c : bytes)
+        *out++ = char16_t(static_cast<unsigned char>(c));
     return path;
 }
 

@@ -59,14 +59,26 @@ int rankOf(const RankTable& ranks, char16_t c)
     return kUnrankedBase + c;
 }
 
+// One token in bytes whose plain order (memcmp) is the tokens' order: values below 0x80
+// as one byte, larger ones as a lead byte above all of those and three bytes, high
+// first. No token's code is the start of another's.
+void appendToken(std::string& form, char32_t value)
+{
+    if (value < 0x80) {
+        form.push_back(char(value));
+        return;
+    }
+    const char bytes[4] {char(0xF0), char(value >> 16), char(value >> 8), char(value)};
+    form.append(bytes, 4);
+}
+
 // A text as a string of tokens whose plain order is natural order by the ranks: a
 // character is its rank; a run of digits is one marker (the rank of "0", digits being
 // ranked side by side), its length without leading zeros, and its digits, so runs
 // compare by value. After a separator below every token come the code units, which
 // settle texts that are equal by rank. Every token is shifted by one to keep the
-// separator lowest.
-// Appended to `form`, which holds the forms of all texts of one sort.
-void appendRankedForm(const RankTable& ranks, const QString& text, std::u32string& form)
+// separator lowest. Appended to `form`, which holds the forms of all texts of one sort.
+void appendRankedForm(const RankTable& ranks, const QString& text, std::string& form)
 {
     const char16_t* units = reinterpret_cast<const char16_t*>(text.constData());
     const qsizetype size = text.size();
@@ -74,7 +86,7 @@ void appendRankedForm(const RankTable& ranks, const QString& text, std::u32strin
     constexpr char32_t kLengthBase = 0x40000;
     for (qsizetype i = 0; i < size;) {
         if (!isDigit(units[i])) {
-            form.push_back(char32_t(rankOf(ranks, units[i])) + 1);
+            appendToken(form, char32_t(rankOf(ranks, units[i])) + 1);
             ++i;
             continue;
         }
@@ -83,14 +95,14 @@ void appendRankedForm(const RankTable& ranks, const QString& text, std::u32strin
         qsizetype end = i;
         while (end < size && isDigit(units[end]))
             ++end;
-        form.push_back(digitMarker);
-        form.push_back(kLengthBase + char32_t(end - i));
+        appendToken(form, digitMarker);
+        appendToken(form, kLengthBase + char32_t(end - i));
         for (; i < end; ++i)
-            form.push_back(char32_t(units[i]) + 1);
+            appendToken(form, char32_t(units[i]) + 1);
     }
     form.push_back(0);
     for (qsizetype i = 0; i < size; ++i)
-        form.push_back(char32_t(units[i]) + 1);
+        appendToken(form, char32_t(units[i]) + 1);
 }
 
 } // namespace
@@ -105,7 +117,7 @@ void sortInStandardOrder(std::vector<const QString*>& texts)
         size_t size;
         const QString* text;
     };
-    std::u32string forms;
+    std::string forms;
     size_t units = 0;
     for (const QString* text : texts)
         units += size_t(text->size());
@@ -117,9 +129,9 @@ void sortInStandardOrder(std::vector<const QString*>& texts)
         appendRankedForm(ranks, *text, forms);
         ranked.push_back(Ranked {offset, forms.size() - offset, text});
     }
-    const std::u32string_view all(forms);
+    const char* all = forms.data();
     std::sort(ranked.begin(), ranked.end(), [all](const Ranked& a, const Ranked& b) {
-        return all.substr(a.offset, a.size) < all.substr(b.offset, b.size);
+        return std::string_view(all + a.offset, a.size) < std::string_view(all + b.offset, b.size);
     });
     for (size_t i = 0; i < ranked.size(); ++i)
         texts[i] = ranked[i].text;

@@ -70,36 +70,53 @@ void HomebrewCacheScanRun::publish(Queue& queue)
 }
 
 // Batches from one counter: a thread that starts late or runs slow (links cost a second
-// call) simply takes fewer. Each item is written by exactly one thread.
-void HomebrewCacheScanRun::drain(Queue& queue)
+// call) simply takes fewer. Each item is written by exactly one thread. Links of the root
+// and Cask/ are matched against the names of downloads/ right away, which needs that
+// folder's index: its queue is ready only once the index is.
+void HomebrewCacheScanRun::drain(Queue& queue) const
 {
     queue.ready.wait(false, std::memory_order_acquire);
+    m_downloadsQueue.ready.wait(false, std::memory_order_acquire);
     constexpr size_t kBatch = 32;
     const size_t size = queue.work.size();
     for (;;) {
         const size_t first = queue.next.fetch_add(kBatch, std::memory_order_relaxed);
         if (first >= size)
             return;
-        for (size_t i = first, last = std::min(size, first + kBatch); i < last; ++i)
-            queue.work[i].first->examine(queue.work[i].second);
+        for (size_t i = first, last = std::min(size, first + kBatch); i < last; ++i) {
+            const Work& work = queue.work[i];
+            work.listing->examine(work.index);
+            if (work.plainTarget) {
+                const Item& item = work.listing->items()[work.index];
+                if (item.hasStatus && S_ISLNK(item.status.mode))
+                    *work.plainTarget = plainTarget(*work.listing, item);
+            }
+        }
     }
 }
 
 // The helper's part: downloads/ is the largest folder and needs no names work, so it is
-// listed and examined from the first moment, and then indexed by name for the links.
+// listed, indexed by name for the links, and examined from the first moment; the paths
+// of its items are made while the others work.
 void HomebrewCacheScanRun::listDownloads()
 {
     m_downloadsIsReal = FS::isRealDirectory(m_downloads);
     if (m_downloadsIsReal)
         m_downloadsListing = Snapshot::list(m_downloads);
     if (m_downloadsListing) {
-        m_downloadsQueue.work.reserve(m_downloadsListing->items().size());
-        for (size_t i = 0; i < m_downloadsListing->items().size(); ++i)
-            m_downloadsQueue.work.emplace_back(&*m_downloadsListing, i);
+        m_downloadsListing->indexAsciiNames();
+        const size_t count = m_downloadsListing->items().size();
+        m_downloadsQueue.work.reserve(count);
+        for (size_t i = 0; i < count; ++i)
+            m_downloadsQueue.work.push_back(Work {&*m_downloadsListing, i, nullptr});
     }
     publish(m_downloadsQueue);
-    if (m_downloadsListing)
-        m_downloadsListing->indexAsciiNames();
+    if (m_downloadsListing) {
+        const size_t count = m_downloadsListing->items().size();
+        m_downloadsPaths.reserve(count);
+        for (size_t i = 0; i < count; ++i)
+            m_downloadsPaths.push_back(m_downloadsListing->path(m_downloadsListing->items()[i]));
+    }
 }
 
 HomebrewCacheScanResult HomebrewCacheScanRun::run()
@@ -124,9 +141,13 @@ HomebrewCacheScanResult HomebrewCacheScanRun::run()
         m_caskIsReal = FS::isRealDirectory(m_cask);
         if (m_caskIsReal)
             m_caskListing = Snapshot::list(m_cask);
-        for (Snapshot* listing : {&*m_rootListing, m_caskListing ? &*m_caskListing : nullptr}) {
-            for (size_t i = 0; listing && i < listing->items().size(); ++i)
-                m_namedQueue.work.emplace_back(listing, i);
+        m_rootTargets.assign(m_rootListing->items().size(), -1);
+        for (size_t i = 0; i < m_rootTargets.size(); ++i)
+            m_namedQueue.work.push_back(Work {&*m_rootListing, i, &m_rootTargets[i]});
+        if (m_caskListing) {
+            m_caskTargets.assign(m_caskListing->items().size(), -1);
+            for (size_t i = 0; i < m_caskTargets.size(); ++i)
+                m_namedQueue.work.push_back(Work {&*m_caskListing, i, &m_caskTargets[i]});
         }
         publish(m_namedQueue);
         collectNames();
@@ -159,7 +180,8 @@ HomebrewCacheScanResult HomebrewCacheScanRun::run()
 HomebrewCacheScanRun::Part HomebrewCacheScanRun::partOf(const Snapshot& listing, size_t index) const
 {
     const Item& item = listing.items()[index];
-    QString path = listing.path(item);
+    const bool made = m_downloadsListing && &listing == &*m_downloadsListing && index < m_downloadsPaths.size();
+    QString path = made ? m_downloadsPaths[index] : listing.path(item);
     // Two non-ASCII names may decode to one text; a lookup of the path then decides.
     return Part {path, path, &listing, item.isAscii ? qsizetype(index) : -1};
 }
@@ -185,12 +207,14 @@ void HomebrewCacheScanRun::addReference(HomebrewCacheCategory category, const Sn
     size_t slot = m_merged.size();
     if (found == m_mergedIndex.cend()) {
         m_mergedIndex.insert(key, slot);
+        QString id = QStringLiteral("package:") + key;
         m_keys.push_back(std::move(key));
-        m_merged.push_back(Merged {category, std::move(parsed->first), std::move(parsed->second), {}, false});
+        m_merged.push_back(
+            Merged {std::move(id), category, std::move(parsed->first), std::move(parsed->second), {}, false});
     } else {
         slot = *found;
     }
-    m_references.push_back(Reference {&listing, index, slot, false, false, -1, {}, {}});
+    m_references.push_back(Reference {&listing, index, slot, partOf(listing, index), false, false, -1, {}, {}});
     if (&listing == &*m_rootListing)
         m_claimedTopLevel[index] = true;
 }
@@ -202,6 +226,7 @@ void HomebrewCacheScanRun::collectNames()
 {
     const Snapshot& root = *m_rootListing;
     m_claimedTopLevel.assign(root.items().size(), false);
+    m_mergedIndex.reserve(qsizetype(root.items().size() + (m_caskListing ? m_caskListing->items().size() : 0)));
     m_references.reserve(root.items().size() + (m_caskListing ? m_caskListing->items().size() : 0));
     for (size_t i = 0; i < root.items().size(); ++i) {
         const std::string_view name = root.nameBytes(root.items()[i]);

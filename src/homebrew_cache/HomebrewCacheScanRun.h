@@ -47,6 +47,7 @@ private:
         const Snapshot* listing;
         size_t index;
         size_t mergedIndex; // its package and version in the merged table
+        Part part; // of the item itself
         bool hasTarget = false; // an existing item inside downloads/ of this cache
         bool hasIssue = false;
         qsizetype targetItem = -1; // the item of downloads/ the target is, if listed
@@ -57,6 +58,7 @@ private:
     // The references of one category, package and version, merged in reference order.
     struct Merged
     {
+        QString id;
         HomebrewCacheCategory category;
         QString packageIdentifier;
         QString version;
@@ -75,22 +77,31 @@ private:
         bool hasIssue = false;
     };
 
+    // An item waiting to be examined; for a link of the root or Cask/, where to note the
+    // item of downloads/ its text names plainly.
+    struct Work
+    {
+        Snapshot* listing;
+        size_t index;
+        qint32* plainTarget;
+    };
+
     // Items waiting to be examined, handed out in batches from one counter.
     struct Queue
     {
-        std::vector<std::pair<Snapshot*, size_t>> work;
+        std::vector<Work> work;
         std::atomic<size_t> next {0};
         std::atomic<bool> ready {false};
     };
 
     void listDownloads();
-    static void drain(Queue& queue);
+    void drain(Queue& queue) const;
     static void publish(Queue& queue);
     void addReference(HomebrewCacheCategory category, const Snapshot& listing, size_t index);
     void collectNames();
     Part partOf(const Snapshot& listing, size_t index) const;
     void checkLink(Reference& reference);
-    qsizetype fastTarget(const Snapshot& listing, const Item& item) const;
+    qint32 plainTarget(const Snapshot& listing, const Item& item) const;
     bool isExistingDownload(const QString& destination, const QString& standardized);
     std::vector<EntryDraft> drafts();
     HomebrewCacheFileSystem::Measurement measure(const std::vector<Part>& parts,
@@ -112,6 +123,9 @@ private:
     bool m_downloadsIsReal = false;
     Queue m_downloadsQueue;
     Queue m_namedQueue; // the root's and Cask/'s items
+    std::vector<QString> m_downloadsPaths; // by item, made by the helper
+    std::vector<qint32> m_rootTargets; // plainTarget by item, -1 for none
+    std::vector<qint32> m_caskTargets;
 
     std::vector<Reference> m_references;
     std::vector<Merged> m_merged;

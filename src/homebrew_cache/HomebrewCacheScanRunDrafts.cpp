@@ -29,6 +29,15 @@ template <typename Parts> Parts withoutRepeats(Parts parts)
         return parts;
     // Nearly every entry has one or two paths, where a set costs more than comparing.
     constexpr size_t kFewPaths = 8;
+    if (parts.size() <= kFewPaths) {
+        bool repeats = false;
+        for (size_t i = 1; i < parts.size() && !repeats; ++i) {
+            for (size_t j = 0; j < i && !repeats; ++j)
+                repeats = parts[j].clean == parts[i].clean;
+        }
+        if (!repeats)
+            return parts;
+    }
     Parts unique;
     unique.reserve(parts.size());
     if (parts.size() <= kFewPaths) {
@@ -51,16 +60,14 @@ template <typename Parts> Parts withoutRepeats(Parts parts)
 
 } // namespace
 
-// The item of downloads/ a link names by a plain relative or absolute text, when that
-// item exists and is no link; -1 when the link needs the general check. Such a text
-// standardizes to the item's own path, so both ways agree on every link it answers.
-qsizetype HomebrewCacheScanRun::fastTarget(const Snapshot& listing, const Item& item) const
+// The item of downloads/ a link names by a plain relative or absolute text, or -1 when
+// the link needs the general check. Such a text standardizes to the item's own path, so
+// where that item exists and is no link both ways agree.
+qint32 HomebrewCacheScanRun::plainTarget(const Snapshot& listing, const Item& item) const
 {
     if (!m_linksByName || !m_downloadsListing)
         return -1;
     std::string_view text(item.linkText);
-    if (!isAsciiText(text))
-        return -1;
     const std::string_view absolute(m_nativeDownloadsPrefix.constData(), size_t(m_nativeDownloadsPrefix.size()));
     std::string_view relative;
     if (&listing == &*m_rootListing)
@@ -75,13 +82,9 @@ qsizetype HomebrewCacheScanRun::fastTarget(const Snapshot& listing, const Item& 
         text.remove_prefix(relative.size());
     else
         return -1;
-    if (text.empty() || text == "." || text == ".." || text.find('/') != text.npos)
+    if (text.empty() || text == "." || text == ".." || text.find('/') != text.npos || !isAsciiText(text))
         return -1;
-    const qsizetype index = m_downloadsListing->findAscii(text);
-    if (index < 0)
-        return -1;
-    const Item& target = m_downloadsListing->items()[size_t(index)];
-    return target.hasStatus && !S_ISLNK(target.status.mode) ? index : -1;
+    return qint32(m_downloadsListing->findAscii(text));
 }
 
 // The destination is inside the cache once links are resolved, lies lexically in
@@ -110,11 +113,14 @@ void HomebrewCacheScanRun::checkLink(Reference& reference)
     const Item& item = reference.listing->items()[reference.index];
     if (!item.hasStatus || !S_ISLNK(item.status.mode))
         return;
-    const qsizetype fast = fastTarget(*reference.listing, item);
-    if (fast >= 0) {
-        reference.hasTarget = true;
-        reference.targetItem = fast;
-        return;
+    const qint32 plain = (reference.listing == &*m_rootListing ? m_rootTargets : m_caskTargets)[reference.index];
+    if (plain >= 0) {
+        const Item& target = m_downloadsListing->items()[size_t(plain)];
+        if (target.hasStatus && !S_ISLNK(target.status.mode)) {
+            reference.hasTarget = true;
+            reference.targetItem = plain;
+            return;
+        }
     }
     const std::optional<QString> destination = reference.listing->linkDestination(item);
     if (!destination) {
@@ -159,7 +165,7 @@ std::vector<HomebrewCacheScanRun::EntryDraft> HomebrewCacheScanRun::drafts()
     std::vector<Part> shared;
     for (const Reference& reference : m_references) {
         Merged& merged = m_merged[reference.mergedIndex];
-        merged.parts.push_back(partOf(*reference.listing, reference.index));
+        merged.parts.push_back(reference.part);
         merged.hasIssue = merged.hasIssue || reference.hasIssue;
         if (!reference.hasTarget)
             continue;
@@ -185,8 +191,8 @@ std::vector<HomebrewCacheScanRun::EntryDraft> HomebrewCacheScanRun::drafts()
     drafts.reserve(m_orderedKeys.size() + 4);
     for (const QString* key : m_orderedKeys) {
         Merged& merged = m_merged[size_t(key - m_keys.data())];
-        drafts.push_back(EntryDraft {QStringLiteral("package:") + *key, merged.category, merged.packageIdentifier,
-                                     merged.version, merged.packageIdentifier, withoutRepeats(std::move(merged.parts)),
+        drafts.push_back(EntryDraft {merged.id, merged.category, merged.packageIdentifier, merged.version,
+                                     merged.packageIdentifier, withoutRepeats(std::move(merged.parts)),
                                      merged.hasIssue});
     }
 
