@@ -3,6 +3,7 @@
 #include <QCollator>
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <numeric>
 #include <string>
 #include <string_view>
@@ -62,23 +63,28 @@ int rankOf(const RankTable& ranks, char16_t c)
 // One token in bytes whose plain order (memcmp) is the tokens' order: values below 0x80
 // as one byte, larger ones as a lead byte above all of those and three bytes, high
 // first. No token's code is the start of another's.
-void appendToken(std::string& form, char32_t value)
+char* writeToken(char* out, char32_t value)
 {
     if (value < 0x80) {
-        form.push_back(char(value));
-        return;
+        *out++ = char(value);
+        return out;
     }
-    const char bytes[4] {char(0xF0), char(value >> 16), char(value >> 8), char(value)};
-    form.append(bytes, 4);
+    out[0] = char(0xF0);
+    out[1] = char(value >> 16);
+    out[2] = char(value >> 8);
+    out[3] = char(value);
+    return out + 4;
 }
+
+constexpr size_t kMaxFormBytesPerUnit = 10;
 
 // A text as a string of tokens whose plain order is natural order by the ranks: a
 // character is its rank; a run of digits is one marker (the rank of "0", digits being
 // ranked side by side), its length without leading zeros, and its digits, so runs
 // compare by value. After a separator below every token come the code units, which
 // settle texts that are equal by rank. Every token is shifted by one to keep the
-// separator lowest. Appended to `form`, which holds the forms of all texts of one sort.
-void appendRankedForm(const RankTable& ranks, const QString& text, std::string& form)
+// separator lowest. Written at `out`; returns the end.
+char* writeRankedForm(const RankTable& ranks, const QString& text, char* out)
 {
     const char16_t* units = reinterpret_cast<const char16_t*>(text.constData());
     const qsizetype size = text.size();
@@ -86,7 +92,7 @@ void appendRankedForm(const RankTable& ranks, const QString& text, std::string& 
     constexpr char32_t kLengthBase = 0x40000;
     for (qsizetype i = 0; i < size;) {
         if (!isDigit(units[i])) {
-            appendToken(form, char32_t(rankOf(ranks, units[i])) + 1);
+            out = writeToken(out, char32_t(rankOf(ranks, units[i])) + 1);
             ++i;
             continue;
         }
@@ -95,54 +101,66 @@ void appendRankedForm(const RankTable& ranks, const QString& text, std::string& 
         qsizetype end = i;
         while (end < size && isDigit(units[end]))
             ++end;
-        appendToken(form, digitMarker);
-        appendToken(form, kLengthBase + char32_t(end - i));
+        out = writeToken(out, digitMarker);
+        out = writeToken(out, kLengthBase + char32_t(end - i));
         for (; i < end; ++i)
-            appendToken(form, char32_t(units[i]) + 1);
+            out = writeToken(out, char32_t(units[i]) + 1);
     }
-    form.push_back(0);
+    *out++ = 0;
     for (qsizetype i = 0; i < size; ++i)
-        appendToken(form, char32_t(units[i]) + 1);
+        out = writeToken(out, char32_t(units[i]) + 1);
+    return out;
 }
 
 } // namespace
 
-void sortInStandardOrder(std::vector<const QString*>& texts)
+void sortByRank(std::vector<const QString*>& texts)
 {
     const RankTable& ranks = asciiRanks();
     // All forms in one block: one allocation, and the sort moves small records only.
+    // A character takes at most ten bytes of its form (a one-digit run and its code
+    // unit), and the block is written in place up to that bound.
     struct Ranked
     {
         size_t offset;
         size_t size;
         const QString* text;
     };
-    std::string forms;
-    size_t units = 0;
+    size_t bound = 0;
     for (const QString* text : texts)
-        units += size_t(text->size());
-    forms.reserve(units * 3 + texts.size());
+        bound += size_t(text->size()) * kMaxFormBytesPerUnit + 1;
+    const std::unique_ptr<char[]> forms(new char[bound]);
     std::vector<Ranked> ranked;
     ranked.reserve(texts.size());
+    char* out = forms.get();
     for (const QString* text : texts) {
-        const size_t offset = forms.size();
-        appendRankedForm(ranks, *text, forms);
-        ranked.push_back(Ranked {offset, forms.size() - offset, text});
+        char* const start = out;
+        out = writeRankedForm(ranks, *text, out);
+        ranked.push_back(Ranked {size_t(start - forms.get()), size_t(out - start), text});
     }
-    const char* all = forms.data();
+    const char* all = forms.get();
     std::sort(ranked.begin(), ranked.end(), [all](const Ranked& a, const Ranked& b) {
         return std::string_view(all + a.offset, a.size) < std::string_view(all + b.offset, b.size);
     });
     for (size_t i = 0; i < ranked.size(); ++i)
         texts[i] = ranked[i].text;
+}
+
+bool isInStandardOrder(const std::vector<const QString*>& texts)
+{
     QCollator& collator = standardCollator();
-    bool agrees = true;
-    for (size_t i = 1; i < texts.size() && agrees; ++i)
-        agrees = collator.compare(*texts[i - 1], *texts[i]) <= 0;
-    if (agrees)
-        return;
+    for (size_t i = 1; i < texts.size(); ++i) {
+        if (collator.compare(*texts[i - 1], *texts[i]) > 0)
+            return false;
+    }
+    return true;
+}
+
+void sortByCollationKeys(std::vector<const QString*>& texts)
+{
     // Sort keys make the thousands of comparisons byte comparisons; code units settle
-    // what the collator holds equal, as above.
+    // what the collator holds equal, as the ranked form does.
+    QCollator& collator = standardCollator();
     std::vector<std::pair<QCollatorSortKey, const QString*>> keyed;
     keyed.reserve(texts.size());
     for (const QString* text : texts)
@@ -153,6 +171,13 @@ void sortInStandardOrder(std::vector<const QString*>& texts)
     });
     for (size_t i = 0; i < keyed.size(); ++i)
         texts[i] = keyed[i].second;
+}
+
+void sortInStandardOrder(std::vector<const QString*>& texts)
+{
+    sortByRank(texts);
+    if (!isInStandardOrder(texts))
+        sortByCollationKeys(texts);
 }
 
 } // namespace quillbay

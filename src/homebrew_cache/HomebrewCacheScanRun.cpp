@@ -63,12 +63,6 @@ HomebrewCacheScanRun::HomebrewCacheScanRun(QString root)
         && FS::cleanPath(m_downloads) == m_downloads;
 }
 
-void HomebrewCacheScanRun::publish(Queue& queue)
-{
-    queue.ready.store(true, std::memory_order_release);
-    queue.ready.notify_all();
-}
-
 // Batches from one counter: a thread that starts late or runs slow (links cost a second
 // call) simply takes fewer. Each item is written by exactly one thread. Links of the root
 // and Cask/ are matched against the names of downloads/ right away, which needs that
@@ -83,7 +77,8 @@ void HomebrewCacheScanRun::drain(Queue& queue) const
         const size_t first = queue.next.fetch_add(kBatch, std::memory_order_relaxed);
         if (first >= size)
             return;
-        for (size_t i = first, last = std::min(size, first + kBatch); i < last; ++i) {
+        const size_t last = std::min(size, first + kBatch);
+        for (size_t i = first; i < last; ++i) {
             const Work& work = queue.work[i];
             work.listing->examine(work.index);
             if (work.plainTarget) {
@@ -92,6 +87,8 @@ void HomebrewCacheScanRun::drain(Queue& queue) const
                     *work.plainTarget = plainTarget(*work.listing, item);
             }
         }
+        if (queue.done.fetch_add(last - first, std::memory_order_acq_rel) + (last - first) == size)
+            queue.done.notify_all();
     }
 }
 
@@ -110,50 +107,75 @@ void HomebrewCacheScanRun::listDownloads()
         for (size_t i = 0; i < count; ++i)
             m_downloadsQueue.work.push_back(Work {&*m_downloadsListing, i, nullptr});
     }
-    publish(m_downloadsQueue);
+    publish(m_downloadsQueue.ready);
     if (m_downloadsListing) {
         const size_t count = m_downloadsListing->items().size();
         m_downloadsPaths.reserve(count);
         for (size_t i = 0; i < count; ++i)
             m_downloadsPaths.push_back(m_downloadsListing->path(m_downloadsListing->items()[i]));
     }
+    publish(m_downloadsPathsReady);
+}
+
+void HomebrewCacheScanRun::publish(std::atomic<bool>& flag)
+{
+    flag.store(true, std::memory_order_release);
+    flag.notify_all();
+}
+
+void HomebrewCacheScanRun::awaitExamined(const Queue& queue)
+{
+    for (size_t done = queue.done.load(std::memory_order_acquire); done < queue.work.size();
+         done = queue.done.load(std::memory_order_acquire))
+        queue.done.wait(done, std::memory_order_acquire);
 }
 
 HomebrewCacheScanResult HomebrewCacheScanRun::run()
 {
-    {
-        std::jthread helper([this] {
-            listDownloads();
-            drain(m_downloadsQueue);
-            drain(m_namedQueue);
-        });
-        QString listingError;
-        m_rootListing = Snapshot::list(m_root, &listingError);
-        if (!m_rootListing) {
-            publish(m_namedQueue);
-            helper.join();
-            return {{},
-                    HomebrewCacheScanFailure {
-                        std::nullopt,
-                        QCoreApplication::translate("HomebrewCache", "The folder “%1” couldn’t be opened. %2")
-                            .arg(m_root.section(QLatin1Char('/'), -1), listingError)}};
-        }
-        m_caskIsReal = FS::isRealDirectory(m_cask);
-        if (m_caskIsReal)
-            m_caskListing = Snapshot::list(m_cask);
-        m_rootTargets.assign(m_rootListing->items().size(), -1);
-        for (size_t i = 0; i < m_rootTargets.size(); ++i)
-            m_namedQueue.work.push_back(Work {&*m_rootListing, i, &m_rootTargets[i]});
-        if (m_caskListing) {
-            m_caskTargets.assign(m_caskListing->items().size(), -1);
-            for (size_t i = 0; i < m_caskTargets.size(); ++i)
-                m_namedQueue.work.push_back(Work {&*m_caskListing, i, &m_caskTargets[i]});
-        }
-        publish(m_namedQueue);
-        collectNames();
-        drain(m_namedQueue);
+    // The helper lists and examines downloads/, helps with the root's and Cask/'s items,
+    // and then checks the package order with the collator while this thread goes on.
+    std::jthread helper([this] {
+        listDownloads();
         drain(m_downloadsQueue);
+        drain(m_namedQueue);
+        m_orderReady.wait(false, std::memory_order_acquire);
+        m_orderAgrees = isInStandardOrder(m_orderedKeys);
+    });
+    QString listingError;
+    m_rootListing = Snapshot::list(m_root, &listingError);
+    if (!m_rootListing) {
+        publish(m_namedQueue.ready);
+        publish(m_orderReady);
+        helper.join();
+        return {{},
+                HomebrewCacheScanFailure {
+                    std::nullopt,
+                    QCoreApplication::translate("HomebrewCache", "The folder “%1” couldn’t be opened. %2")
+                        .arg(m_root.section(QLatin1Char('/'), -1), listingError)}};
     }
+    m_caskIsReal = FS::isRealDirectory(m_cask);
+    if (m_caskIsReal)
+        m_caskListing = Snapshot::list(m_cask);
+    m_rootTargets.assign(m_rootListing->items().size(), -1);
+    for (size_t i = 0; i < m_rootTargets.size(); ++i)
+        m_namedQueue.work.push_back(Work {&*m_rootListing, i, &m_rootTargets[i]});
+    if (m_caskListing) {
+        m_caskTargets.assign(m_caskListing->items().size(), -1);
+        for (size_t i = 0; i < m_caskTargets.size(); ++i)
+            m_namedQueue.work.push_back(Work {&*m_caskListing, i, &m_caskTargets[i]});
+    }
+    publish(m_namedQueue.ready);
+    collectNames();
+    publish(m_orderReady);
+    drain(m_namedQueue);
+    drain(m_downloadsQueue);
+    awaitExamined(m_namedQueue);
+    awaitExamined(m_downloadsQueue);
+    m_downloadsPathsReady.wait(false, std::memory_order_acquire);
+    assignTargets();
+    helper.join();
+    if (!m_orderAgrees)
+        sortByCollationKeys(m_orderedKeys);
 
     const std::vector<EntryDraft> all = drafts();
     // One visited set for the whole scan, in draft order: a file reachable from two
@@ -246,7 +268,7 @@ void HomebrewCacheScanRun::collectNames()
     m_orderedKeys.reserve(m_keys.size());
     for (const QString& key : m_keys)
         m_orderedKeys.push_back(&key);
-    sortInStandardOrder(m_orderedKeys);
+    sortByRank(m_orderedKeys); // checked by the helper
 }
 
 } // namespace quillbay

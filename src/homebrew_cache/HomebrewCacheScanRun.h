@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QHash>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <atomic>
@@ -92,11 +93,14 @@ private:
         std::vector<Work> work;
         std::atomic<size_t> next {0};
         std::atomic<bool> ready {false};
+        std::atomic<size_t> done {0}; // items examined
     };
 
     void listDownloads();
     void drain(Queue& queue) const;
-    static void publish(Queue& queue);
+    static void publish(std::atomic<bool>& flag);
+    static void awaitExamined(const Queue& queue);
+    void assignTargets();
     void addReference(HomebrewCacheCategory category, const Snapshot& listing, size_t index);
     void collectNames();
     Part partOf(const Snapshot& listing, size_t index) const;
@@ -124,6 +128,9 @@ private:
     Queue m_downloadsQueue;
     Queue m_namedQueue; // the root's and Cask/'s items
     std::vector<QString> m_downloadsPaths; // by item, made by the helper
+    std::atomic<bool> m_downloadsPathsReady {false};
+    std::atomic<bool> m_orderReady {false}; // m_orderedKeys in ranked order
+    bool m_orderAgrees = false; // the helper's verdict; read after joining it
     std::vector<qint32> m_rootTargets; // plainTarget by item, -1 for none
     std::vector<qint32> m_caskTargets;
 
@@ -134,6 +141,11 @@ private:
     std::vector<const QString*> m_orderedKeys;
     std::vector<bool> m_claimedTopLevel; // by root item
     std::vector<Part> m_unrecognizedCask;
+    // Ownership of downloads, by item of the listing or, for targets found otherwise, by
+    // standardized path.
+    std::vector<int> m_itemCounts;
+    QSet<QString> m_cleanTargetsByPath; // of the links that took the general check
+    std::vector<Part> m_shared;
     bool m_caskListingFailed = false;
 };
 

@@ -141,28 +141,25 @@ void HomebrewCacheScanRun::checkLink(Reference& reference)
     reference.cleanTarget = std::move(standardized);
 }
 
-std::vector<HomebrewCacheScanRun::EntryDraft> HomebrewCacheScanRun::drafts()
+void HomebrewCacheScanRun::assignTargets()
 {
     // A download that exactly one reference points at belongs to it; one that several
     // point at belongs to none of them, so that deleting one version never takes a file
     // another still uses. Targets count by their standardized path: a listed item of
     // downloads/ stands for its own path.
-    const size_t downloadsCount = m_downloadsListing ? m_downloadsListing->items().size() : 0;
-    std::vector<int> itemCounts(downloadsCount, 0);
+    m_itemCounts.assign(m_downloadsListing ? m_downloadsListing->items().size() : 0, 0);
     QHash<QString, int> pathCounts;
-    QSet<QString> cleanTargetsByPath; // of the links that took the general check
     for (Reference& reference : m_references) {
         checkLink(reference);
         if (!reference.hasTarget)
             continue;
         if (reference.targetItem >= 0)
-            ++itemCounts[size_t(reference.targetItem)];
+            ++m_itemCounts[size_t(reference.targetItem)];
         else
             ++pathCounts[reference.cleanTarget];
         if (!reference.cleanTarget.isEmpty())
-            cleanTargetsByPath.insert(reference.cleanTarget);
+            m_cleanTargetsByPath.insert(reference.cleanTarget);
     }
-    std::vector<Part> shared;
     for (const Reference& reference : m_references) {
         Merged& merged = m_merged[reference.mergedIndex];
         merged.parts.push_back(reference.part);
@@ -172,7 +169,7 @@ std::vector<HomebrewCacheScanRun::EntryDraft> HomebrewCacheScanRun::drafts()
         Part target;
         int count = 0;
         if (reference.targetItem >= 0) {
-            count = itemCounts[size_t(reference.targetItem)];
+            count = m_itemCounts[size_t(reference.targetItem)];
             target = partOf(*m_downloadsListing, size_t(reference.targetItem));
         } else {
             count = pathCounts.value(reference.cleanTarget);
@@ -184,9 +181,12 @@ std::vector<HomebrewCacheScanRun::EntryDraft> HomebrewCacheScanRun::drafts()
         if (count == 1)
             merged.parts.push_back(std::move(target));
         else
-            shared.push_back(std::move(target));
+            m_shared.push_back(std::move(target));
     }
+}
 
+std::vector<HomebrewCacheScanRun::EntryDraft> HomebrewCacheScanRun::drafts()
+{
     std::vector<EntryDraft> drafts;
     drafts.reserve(m_orderedKeys.size() + 4);
     for (const QString* key : m_orderedKeys) {
@@ -196,7 +196,7 @@ std::vector<HomebrewCacheScanRun::EntryDraft> HomebrewCacheScanRun::drafts()
                                      merged.hasIssue});
     }
 
-    shared = withoutRepeats(std::move(shared));
+    std::vector<Part> shared = withoutRepeats(std::move(m_shared));
     if (!shared.empty()) {
         drafts.push_back(EntryDraft {QStringLiteral("other:shared-downloads"), HomebrewCacheCategory::other,
                                      std::nullopt, std::nullopt, localized("Shared Downloads"), std::move(shared),
@@ -208,11 +208,11 @@ std::vector<HomebrewCacheScanRun::EntryDraft> HomebrewCacheScanRun::drafts()
         const QString title = localized("Unrecognized Downloads");
         if (m_downloadsListing) {
             std::vector<Part> unclaimed;
-            for (size_t i = 0; i < downloadsCount; ++i) {
-                if (itemCounts[i] > 0)
+            for (size_t i = 0; i < m_itemCounts.size(); ++i) {
+                if (m_itemCounts[i] > 0)
                     continue;
                 Part part = partOf(*m_downloadsListing, i);
-                if (!cleanTargetsByPath.isEmpty() && cleanTargetsByPath.contains(part.path))
+                if (!m_cleanTargetsByPath.isEmpty() && m_cleanTargetsByPath.contains(part.path))
                     continue;
                 unclaimed.push_back(std::move(part));
             }
