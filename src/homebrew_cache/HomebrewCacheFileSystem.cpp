@@ -300,6 +300,12 @@ bool HomebrewCacheFileSystem::VisitedSet::insert(const FileIdentity& identity)
     }
 }
 
+void HomebrewCacheFileSystem::VisitedSet::reserve(size_t count)
+{
+    while (m_slots.size() < count * 2)
+        grow();
+}
+
 void HomebrewCacheFileSystem::VisitedSet::grow()
 {
     std::vector<FileIdentity> old

@@ -33,6 +33,8 @@ public:
     public:
         // True when the identity was not in the set before.
         bool insert(const FileIdentity& identity);
+        // Room for this many identities without growing.
+        void reserve(size_t count);
 
     private:
         void grow();

@@ -1,6 +1,7 @@
 #include "homebrew_cache/HomebrewCacheFolderSnapshot.h"
 
 #include <QFile>
+#include <QStringBuilder>
 #include <bit>
 #include <cerrno>
 #include <cstring>
@@ -166,16 +167,8 @@ QString HomebrewCacheFolderSnapshot::path(const Item& item) const
 {
     if (!item.isAscii)
         return m_prefix + name(item);
-    // One allocation, written in place: appending to a reserved string reallocates once
-    // the prefix has been shared into it.
     const std::string_view bytes = nameBytes(item);
-    QString path(m_prefix.size() + qsizetype(bytes.size()), Qt::Uninitialized);
-    char16_t* out = reinterpret_cast<char16_t*>(path.data());
-    std::memcpy(out, m_prefix.constData(), size_t(m_prefix.size()) * sizeof(char16_t));
-    out += m_prefix.size();
-    for (const char c : bytes)
-        *out++ = char16_t(static_cast<unsigned char>(c));
-    return path;
+    return m_prefix % QLatin1StringView(bytes.data(), qsizetype(bytes.size())); // one allocation
 }
 
 std::optional<QString> HomebrewCacheFolderSnapshot::linkDestination(const Item& item) const

@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QStringBuilder>
 #include <algorithm>
 #include <thread>
 
@@ -9,6 +10,8 @@
 #include "homebrew_cache/HomebrewCacheNameParts.h"
 
 namespace quillbay {
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -19,18 +22,33 @@ QString childPath(const QString& folder, const QString& name)
     return folder.endsWith(QLatin1Char('/')) ? folder + name : folder + QLatin1Char('/') + name;
 }
 
-QString latin1(std::string_view bytes)
+QLatin1StringView latin1(std::string_view bytes)
 {
-    return QString::fromLatin1(bytes.data(), qsizetype(bytes.size()));
+    return QLatin1StringView(bytes.data(), qsizetype(bytes.size()));
 }
 
-// Package and version of an ASCII name, by the rules of parseCacheName.
-std::optional<std::pair<QString, QString>> parsedAscii(std::string_view name, bool isCask)
+// The merge key of a parsed name, "<category>:<package>:<version>", made in one piece,
+// and where package and version lie in it.
+struct MergeKey
+{
+    QString key;
+    qsizetype packageSize;
+    qsizetype versionSize;
+};
+
+MergeKey mergeKey(const QString& category, QStringView package, QStringView version)
+{
+    return {category % u':' % package % u':' % version, package.size(), version.size()};
+}
+
+// For an ASCII name, by the rules of parseCacheName, without making text of the parts.
+std::optional<MergeKey> asciiMergeKey(const QString& category, std::string_view name, bool isCask)
 {
     const auto parts = parseCacheNameParts(name, isCask);
     if (!parts)
         return std::nullopt;
     std::string_view package = name.substr(0, parts->packageSize);
+    const std::string_view version = name.substr(parts->versionStart, parts->versionSize);
     std::string unmarked;
     if (parts->hasManifestMark) {
         constexpr std::string_view mark = "_bottle_manifest";
@@ -43,7 +61,8 @@ std::optional<std::pair<QString, QString>> parsedAscii(std::string_view name, bo
         }
         package = unmarked;
     }
-    return std::pair {latin1(package), latin1(name.substr(parts->versionStart, parts->versionSize))};
+    return MergeKey {category % u':' % latin1(package) % u':' % latin1(version), qsizetype(package.size()),
+                     qsizetype(version.size())};
 }
 
 } // namespace
@@ -52,6 +71,8 @@ HomebrewCacheScanRun::HomebrewCacheScanRun(QString root)
     : m_root(std::move(root))
     , m_downloads(childPath(m_root, QStringLiteral("downloads")))
     , m_cask(childPath(m_root, QStringLiteral("Cask")))
+    , m_formulaCategory(rawValue(HomebrewCacheCategory::formula))
+    , m_caskCategory(rawValue(HomebrewCacheCategory::cask))
 {
     // An absolute link text that is the downloads folder's bytes, a slash and a plain name
     // decodes to that very path, which is clean, only when the folder's path is ASCII,
@@ -181,6 +202,7 @@ HomebrewCacheScanResult HomebrewCacheScanRun::run()
     // One visited set for the whole scan, in draft order: a file reachable from two
     // entries counts for the first of them only.
     FS::VisitedSet visited;
+    visited.reserve(m_namedQueue.work.size() + m_downloadsQueue.work.size() + 1024);
     std::vector<HomebrewCacheEntry> entries;
     entries.reserve(all.size());
     for (const EntryDraft& draft : all) {
@@ -211,28 +233,34 @@ HomebrewCacheScanRun::Part HomebrewCacheScanRun::partOf(const Snapshot& listing,
 void HomebrewCacheScanRun::addReference(HomebrewCacheCategory category, const Snapshot& listing, size_t index)
 {
     const Item& item = listing.items()[index];
-    auto parsed = item.isAscii
-        ? parsedAscii(listing.nameBytes(item), category == HomebrewCacheCategory::cask)
-        : HomebrewCacheScanner::parseCacheName(listing.name(item), category == HomebrewCacheCategory::cask);
+    const bool isCask = category == HomebrewCacheCategory::cask;
+    const QString& categoryName = isCask ? m_caskCategory : m_formulaCategory;
+    std::optional<MergeKey> parsed;
+    if (item.isAscii) {
+        parsed = asciiMergeKey(categoryName, listing.nameBytes(item), isCask);
+    } else if (const auto pair = HomebrewCacheScanner::parseCacheName(listing.name(item), isCask)) {
+        parsed = mergeKey(categoryName, pair->first, pair->second);
+    }
     if (!parsed) {
-        if (category == HomebrewCacheCategory::cask)
+        if (isCask)
             m_unrecognizedCask.push_back(partOf(listing, index));
         return;
     }
     // The merge key joins category, package and version; the first reference of a key
     // gives the merged draft its package and version.
-    const QString category_ = rawValue(category);
-    QString key;
-    key.reserve(category_.size() + parsed->first.size() + parsed->second.size() + 2);
-    key.append(category_).append(u':').append(parsed->first).append(u':').append(parsed->second);
+    QString& key = parsed->key;
     const auto found = m_mergedIndex.constFind(key);
     size_t slot = m_merged.size();
     if (found == m_mergedIndex.cend()) {
         m_mergedIndex.insert(key, slot);
-        QString id = QStringLiteral("package:") + key;
+        const qsizetype packageStart = categoryName.size() + 1;
+        m_merged.push_back(Merged {u"package:"_s % key,
+                                   category,
+                                   key.mid(packageStart, parsed->packageSize),
+                                   key.mid(packageStart + parsed->packageSize + 1, parsed->versionSize),
+                                   {},
+                                   false});
         m_keys.push_back(std::move(key));
-        m_merged.push_back(
-            Merged {std::move(id), category, std::move(parsed->first), std::move(parsed->second), {}, false});
     } else {
         slot = *found;
     }

@@ -116,6 +116,8 @@ private:
     QString m_root;
     QString m_downloads;
     QString m_cask;
+    QString m_formulaCategory;
+    QString m_caskCategory;
     std::optional<QString> m_resolvedRoot; // resolved when a link first needs it
     QByteArray m_nativeDownloadsPrefix; // downloads/ with its slash, for absolute link texts
     bool m_linksByName = false; // link texts can be matched as bytes

@@ -1,5 +1,6 @@
 #include <array>
 #include <string_view>
+#include <type_traits>
 
 #include "homebrew_cache/HomebrewCacheNameParts.h"
 #include "homebrew_cache/HomebrewCacheScanner.h"
@@ -42,6 +43,8 @@ constexpr std::string_view kManifestMark = "_bottle_manifest";
 
 template <typename Char> bool equalsAscii(std::basic_string_view<Char> text, size_t at, std::string_view ascii)
 {
+    if constexpr (std::is_same_v<Char, char>)
+        return text.substr(at, ascii.size()) == ascii;
     for (size_t i = 0; i < ascii.size(); ++i) {
         if (text[at + i] != Char(static_cast<unsigned char>(ascii[i])))
             return false;
@@ -51,6 +54,8 @@ template <typename Char> bool equalsAscii(std::basic_string_view<Char> text, siz
 
 template <typename Char> size_t findAscii(std::basic_string_view<Char> text, std::string_view ascii, size_t from)
 {
+    if constexpr (std::is_same_v<Char, char>)
+        return text.find(ascii, from);
     for (size_t at = from; at + ascii.size() <= text.size(); ++at) {
         if (equalsAscii(text, at, ascii))
             return at;
