@@ -158,6 +158,14 @@ void HomebrewCacheFolderSnapshot::examine(size_t index)
     }
 }
 
+void HomebrewCacheFolderSnapshot::walkAhead(size_t index)
+{
+    Item& item = m_items[index];
+    if (item.hasStatus && S_ISDIR(item.status.mode))
+        item.walk = std::make_unique<const HomebrewCacheFolderWalk>(
+            HomebrewCacheFolderWalk::record(m_descriptor, m_names.data() + item.nameOffset, item.status));
+}
+
 QString HomebrewCacheFolderSnapshot::name(const Item& item) const
 {
     return decodedName(nameBytes(item), item.isAscii);
@@ -226,6 +234,8 @@ qsizetype HomebrewCacheFolderSnapshot::findAscii(std::string_view name) const
 HomebrewCacheFileSystem::Measurement
 HomebrewCacheFolderSnapshot::measure(const Item& item, HomebrewCacheFileSystem::VisitedSet& visited) const
 {
+    if (item.walk)
+        return item.walk->measure(visited);
     return HomebrewCacheFileSystem::measureWithStatus(item.status, m_descriptor, m_names.data() + item.nameOffset,
                                                       visited);
 }

@@ -2,12 +2,14 @@
 
 #include <QHash>
 #include <QString>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "homebrew_cache/HomebrewCacheFileSystem.h"
+#include "homebrew_cache/HomebrewCacheFolderWalk.h"
 
 namespace quillbay {
 
@@ -27,6 +29,8 @@ public:
         HomebrewCacheFileSystem::ItemStatus status;
         // Links only: the link's text as read; empty when it couldn't be read.
         std::string linkText;
+        // Folders only, when walked ahead of measuring.
+        std::unique_ptr<const HomebrewCacheFolderWalk> walk;
     };
 
     HomebrewCacheFolderSnapshot(const HomebrewCacheFolderSnapshot&) = delete;
@@ -42,6 +46,9 @@ public:
     // Fills in the status and link text of one item. Items may be examined on different
     // threads at once, each by one thread, while others read only names.
     void examine(size_t index);
+    // Walks a folder item's subtree now, on the calling thread, so that measuring it
+    // later asks the disk nothing. Same threading as examine, after it.
+    void walkAhead(size_t index);
 
     const QString& folder() const { return m_folder; }
     const std::vector<Item>& items() const { return m_items; }
@@ -63,7 +70,7 @@ public:
     // The index of the item with this ASCII name, or -1.
     qsizetype findAscii(std::string_view name) const;
 
-    // Measures an item of this snapshot from its recorded status.
+    // Measures an item of this snapshot from its recorded status (and walk).
     HomebrewCacheFileSystem::Measurement measure(const Item& item, HomebrewCacheFileSystem::VisitedSet& visited) const;
 
 private:

@@ -102,11 +102,11 @@ void HomebrewCacheScanRun::drain(Queue& queue) const
         for (size_t i = first; i < last; ++i) {
             const Work& work = queue.work[i];
             work.listing->examine(work.index);
-            if (work.plainTarget) {
-                const Item& item = work.listing->items()[work.index];
-                if (item.hasStatus && S_ISLNK(item.status.mode))
-                    *work.plainTarget = plainTarget(*work.listing, item);
-            }
+            const Item& item = work.listing->items()[work.index];
+            if (work.plainTarget && item.hasStatus && S_ISLNK(item.status.mode))
+                *work.plainTarget = plainTarget(*work.listing, item);
+            if (work.walkAhead)
+                work.listing->walkAhead(work.index);
         }
         if (queue.done.fetch_add(last - first, std::memory_order_acq_rel) + (last - first) == size)
             queue.done.notify_all();
@@ -126,7 +126,7 @@ void HomebrewCacheScanRun::listDownloads()
         const size_t count = m_downloadsListing->items().size();
         m_downloadsQueue.work.reserve(count);
         for (size_t i = 0; i < count; ++i)
-            m_downloadsQueue.work.push_back(Work {&*m_downloadsListing, i, nullptr});
+            m_downloadsQueue.work.push_back(Work {&*m_downloadsListing, i, nullptr, true});
     }
     publish(m_downloadsQueue.ready);
     if (m_downloadsListing) {
@@ -178,12 +178,16 @@ HomebrewCacheScanResult HomebrewCacheScanRun::run()
     if (m_caskIsReal)
         m_caskListing = Snapshot::list(m_cask);
     m_rootTargets.assign(m_rootListing->items().size(), -1);
-    for (size_t i = 0; i < m_rootTargets.size(); ++i)
-        m_namedQueue.work.push_back(Work {&*m_rootListing, i, &m_rootTargets[i]});
+    for (size_t i = 0; i < m_rootTargets.size(); ++i) {
+        // The folders themselves are measured only when they could not be listed.
+        const std::string_view name = m_rootListing->nameBytes(m_rootListing->items()[i]);
+        const bool isContainer = name == "downloads" || name == "Cask";
+        m_namedQueue.work.push_back(Work {&*m_rootListing, i, &m_rootTargets[i], !isContainer});
+    }
     if (m_caskListing) {
         m_caskTargets.assign(m_caskListing->items().size(), -1);
         for (size_t i = 0; i < m_caskTargets.size(); ++i)
-            m_namedQueue.work.push_back(Work {&*m_caskListing, i, &m_caskTargets[i]});
+            m_namedQueue.work.push_back(Work {&*m_caskListing, i, &m_caskTargets[i], true});
     }
     publish(m_namedQueue.ready);
     collectNames();
@@ -198,25 +202,25 @@ HomebrewCacheScanResult HomebrewCacheScanRun::run()
     if (!m_orderAgrees)
         sortByCollationKeys(m_orderedKeys);
 
-    const std::vector<EntryDraft> all = drafts();
+    std::vector<EntryDraft> all = drafts();
     // One visited set for the whole scan, in draft order: a file reachable from two
     // entries counts for the first of them only.
     FS::VisitedSet visited;
     visited.reserve(m_namedQueue.work.size() + m_downloadsQueue.work.size() + 1024);
     std::vector<HomebrewCacheEntry> entries;
     entries.reserve(all.size());
-    for (const EntryDraft& draft : all) {
+    for (EntryDraft& draft : all) {
         const FS::Measurement measured = measure(draft.parts, visited);
         std::optional<qint64> size = measured.allocatedSize;
         if (measured.allocatedSize == 0 && measured.hasIssue)
             size.reset();
         QStringList paths;
         paths.reserve(qsizetype(draft.parts.size()));
-        for (const Part& part : draft.parts)
-            paths.append(part.path);
-        entries.push_back(HomebrewCacheEntry {draft.id, draft.category, draft.packageIdentifier, draft.version,
-                                              draft.displayName, std::move(paths), size, measured.isIncomplete,
-                                              draft.hasIssue || measured.hasIssue});
+        for (Part& part : draft.parts)
+            paths.append(std::move(part.path));
+        entries.push_back(HomebrewCacheEntry {std::move(draft.id), draft.category, std::move(draft.packageIdentifier),
+                                              std::move(draft.version), std::move(draft.displayName), std::move(paths),
+                                              size, measured.isIncomplete, draft.hasIssue || measured.hasIssue});
     }
     return {std::move(entries), std::nullopt};
 }

@@ -79,12 +79,13 @@ private:
     };
 
     // An item waiting to be examined; for a link of the root or Cask/, where to note the
-    // item of downloads/ its text names plainly.
+    // item of downloads/ its text names plainly; and whether a folder is walked then.
     struct Work
     {
         Snapshot* listing;
         size_t index;
         qint32* plainTarget;
+        bool walkAhead; // a folder is walked right away
     };
 
     // Items waiting to be examined, handed out in batches from one counter.
