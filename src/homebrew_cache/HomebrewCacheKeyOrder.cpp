@@ -148,8 +148,13 @@ void sortByRank(std::vector<const QString*>& texts)
 
 bool isInStandardOrder(const std::vector<const QString*>& texts)
 {
+    return isInStandardOrder(texts, 1, texts.size());
+}
+
+bool isInStandardOrder(const std::vector<const QString*>& texts, size_t first, size_t last)
+{
     QCollator& collator = standardCollator();
-    for (size_t i = 1; i < texts.size(); ++i) {
+    for (size_t i = std::max<size_t>(first, 1); i < last; ++i) {
         if (collator.compare(*texts[i - 1], *texts[i]) > 0)
             return false;
     }

@@ -19,6 +19,8 @@ void sortInStandardOrder(std::vector<const QString*>& texts);
 // adjacent pair (the collator is the calling thread's own); the order by collation keys.
 void sortByRank(std::vector<const QString*>& texts);
 bool isInStandardOrder(const std::vector<const QString*>& texts);
+// The same for the pairs ending at indexes [first, last), so that threads can share it.
+bool isInStandardOrder(const std::vector<const QString*>& texts, size_t first, size_t last);
 void sortByCollationKeys(std::vector<const QString*>& texts);
 
 } // namespace quillbay

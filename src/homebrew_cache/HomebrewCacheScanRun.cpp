@@ -151,16 +151,32 @@ void HomebrewCacheScanRun::awaitExamined(const Queue& queue)
         queue.done.wait(done, std::memory_order_acquire);
 }
 
+// Comparing with the collator costs as much as the rest of the names work, so both
+// threads take batches of adjacent pairs until one disagrees or none are left.
+void HomebrewCacheScanRun::checkOrder()
+{
+    m_orderReady.wait(false, std::memory_order_acquire);
+    constexpr size_t kBatch = 256;
+    const size_t size = m_orderedKeys.size();
+    while (!m_orderDisagrees.load(std::memory_order_relaxed)) {
+        const size_t first = m_nextPair.fetch_add(kBatch, std::memory_order_relaxed);
+        if (first >= size)
+            return;
+        if (!isInStandardOrder(m_orderedKeys, first, std::min(size, first + kBatch)))
+            m_orderDisagrees.store(true, std::memory_order_relaxed);
+    }
+}
+
 HomebrewCacheScanResult HomebrewCacheScanRun::run()
 {
     // The helper lists and examines downloads/, helps with the root's and Cask/'s items,
-    // and then checks the package order with the collator while this thread goes on.
+    // and then checks the package order with the collator while this thread assigns the
+    // links' targets, and helps with that after.
     std::jthread helper([this] {
         listDownloads();
         drain(m_downloadsQueue);
         drain(m_namedQueue);
-        m_orderReady.wait(false, std::memory_order_acquire);
-        m_orderAgrees = isInStandardOrder(m_orderedKeys);
+        checkOrder();
     });
     QString listingError;
     m_rootListing = Snapshot::list(m_root, &listingError);
@@ -198,8 +214,9 @@ HomebrewCacheScanResult HomebrewCacheScanRun::run()
     awaitExamined(m_downloadsQueue);
     m_downloadsPathsReady.wait(false, std::memory_order_acquire);
     assignTargets();
+    checkOrder();
     helper.join();
-    if (!m_orderAgrees)
+    if (m_orderDisagrees.load(std::memory_order_relaxed))
         sortByCollationKeys(m_orderedKeys);
 
     std::vector<EntryDraft> all = drafts();
@@ -264,6 +281,7 @@ void HomebrewCacheScanRun::addReference(HomebrewCacheCategory category, const Sn
                                    key.mid(packageStart + parsed->packageSize + 1, parsed->versionSize),
                                    {},
                                    false});
+        m_merged.back().parts.reserve(2); // a link and its download, nearly always
         m_keys.push_back(std::move(key));
     } else {
         slot = *found;

@@ -102,6 +102,7 @@ private:
     static void publish(std::atomic<bool>& flag);
     static void awaitExamined(const Queue& queue);
     void assignTargets();
+    void checkOrder();
     void addReference(HomebrewCacheCategory category, const Snapshot& listing, size_t index);
     void collectNames();
     Part partOf(const Snapshot& listing, size_t index) const;
@@ -133,7 +134,10 @@ private:
     std::vector<QString> m_downloadsPaths; // by item, made by the helper
     std::atomic<bool> m_downloadsPathsReady {false};
     std::atomic<bool> m_orderReady {false}; // m_orderedKeys in ranked order
-    bool m_orderAgrees = false; // the helper's verdict; read after joining it
+    // The collator's check of the ranked order, shared by both threads in batches of
+    // pairs; read after joining the helper.
+    std::atomic<size_t> m_nextPair {1};
+    std::atomic<bool> m_orderDisagrees {false};
     std::vector<qint32> m_rootTargets; // plainTarget by item, -1 for none
     std::vector<qint32> m_caskTargets;
 

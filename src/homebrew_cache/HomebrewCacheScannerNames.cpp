@@ -111,6 +111,9 @@ std::optional<HomebrewCacheNameParts> parseCacheNameParts(std::basic_string_view
             return std::nullopt;
     }
     for (const std::string_view suffix : kVersionSuffixes) {
+        // The last character rules out most rows at once.
+        if (text[versionEnd - 1] != Char(suffix.back()))
+            continue;
         if (versionEnd - lastStart >= suffix.size() && equalsAscii(text, versionEnd - suffix.size(), suffix)) {
             versionEnd -= suffix.size();
             break;
