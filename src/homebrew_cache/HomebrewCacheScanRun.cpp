@@ -90,8 +90,8 @@ HomebrewCacheScanRun::HomebrewCacheScanRun(QString root)
 // folder's index: its queue is ready only once the index is.
 void HomebrewCacheScanRun::drain(Queue& queue) const
 {
-    queue.ready.wait(false, std::memory_order_acquire);
-    m_downloadsQueue.ready.wait(false, std::memory_order_acquire);
+    awaitFlag(queue.ready);
+    awaitFlag(m_downloadsQueue.ready);
     constexpr size_t kBatch = 32;
     const size_t size = queue.work.size();
     for (;;) {
@@ -144,6 +144,13 @@ void HomebrewCacheScanRun::publish(std::atomic<bool>& flag)
     flag.notify_all();
 }
 
+// What was written before the flag was published is visible after this returns.
+void HomebrewCacheScanRun::awaitFlag(const std::atomic<bool>& flag)
+{
+    while (!flag.load(std::memory_order_acquire))
+        flag.wait(false, std::memory_order_acquire);
+}
+
 void HomebrewCacheScanRun::awaitExamined(const Queue& queue)
 {
     for (size_t done = queue.done.load(std::memory_order_acquire); done < queue.work.size();
@@ -155,7 +162,7 @@ void HomebrewCacheScanRun::awaitExamined(const Queue& queue)
 // threads take batches of adjacent pairs until one disagrees or none are left.
 void HomebrewCacheScanRun::checkOrder()
 {
-    m_orderReady.wait(false, std::memory_order_acquire);
+    awaitFlag(m_orderReady);
     constexpr size_t kBatch = 256;
     const size_t size = m_orderedKeys.size();
     while (!m_orderDisagrees.load(std::memory_order_relaxed)) {
@@ -212,7 +219,7 @@ HomebrewCacheScanResult HomebrewCacheScanRun::run()
     drain(m_downloadsQueue);
     awaitExamined(m_namedQueue);
     awaitExamined(m_downloadsQueue);
-    m_downloadsPathsReady.wait(false, std::memory_order_acquire);
+    awaitFlag(m_downloadsPathsReady);
     assignTargets();
     checkOrder();
     helper.join();
@@ -245,7 +252,10 @@ HomebrewCacheScanResult HomebrewCacheScanRun::run()
 HomebrewCacheScanRun::Part HomebrewCacheScanRun::partOf(const Snapshot& listing, size_t index) const
 {
     const Item& item = listing.items()[index];
-    const bool made = m_downloadsListing && &listing == &*m_downloadsListing && index < m_downloadsPaths.size();
+    // Items of downloads/ come here only once the helper has made their paths; the root's
+    // and Cask/'s already while it may still be listing, so those are told apart first.
+    const bool isNamed = &listing == &*m_rootListing || (m_caskListing && &listing == &*m_caskListing);
+    const bool made = !isNamed && index < m_downloadsPaths.size();
     QString path = made ? m_downloadsPaths[index] : listing.path(item);
     // Two non-ASCII names may decode to one text; a lookup of the path then decides.
     return Part {path, path, &listing, item.isAscii ? qsizetype(index) : -1};

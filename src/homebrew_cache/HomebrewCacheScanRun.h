@@ -100,6 +100,7 @@ private:
     void listDownloads();
     void drain(Queue& queue) const;
     static void publish(std::atomic<bool>& flag);
+    static void awaitFlag(const std::atomic<bool>& flag);
     static void awaitExamined(const Queue& queue);
     void assignTargets();
     void checkOrder();
