@@ -133,6 +133,8 @@ int main(int argc, char** argv)
     std::vector<double> duTimes;
     std::vector<double> scanUser; // CPU time of all the scan's threads
     std::vector<double> scanSystem;
+    std::vector<double> scanFaults; // minor page faults, mostly fresh heap memory
+    std::vector<double> duCpu; // user + system of the du process
     qint64 scanTotal = 0;
     qint64 duTotal = 0;
     size_t entryCount = 0;
@@ -154,14 +156,21 @@ int main(int argc, char** argv)
         entryCount = result.entries.size();
 
         QProcess du;
+        rusage childrenBefore {};
+        ::getrusage(RUSAGE_CHILDREN, &childrenBefore);
         timer.restart();
         du.start(QStringLiteral("du"), {QStringLiteral("-s"), QStringLiteral("--block-size=1"), root});
         du.waitForFinished(-1);
         const double duMs = double(timer.nsecsElapsed()) / 1e6;
+        rusage childrenAfter {};
+        ::getrusage(RUSAGE_CHILDREN, &childrenAfter);
         duTotal = QString::fromLocal8Bit(du.readAllStandardOutput()).section(QLatin1Char('\t'), 0, 0).toLongLong();
         if (round >= 0) {
             scanUser.push_back(cpuMs(before.ru_utime, after.ru_utime));
             scanSystem.push_back(cpuMs(before.ru_stime, after.ru_stime));
+            scanFaults.push_back(double(after.ru_minflt - before.ru_minflt));
+            duCpu.push_back(cpuMs(childrenBefore.ru_utime, childrenAfter.ru_utime)
+                            + cpuMs(childrenBefore.ru_stime, childrenAfter.ru_stime));
             scanTimes.push_back(scanMs);
             duTimes.push_back(duMs);
         }
@@ -194,6 +203,7 @@ int main(int argc, char** argv)
                 qint64(containers), qint64(scanTotal + containers), qint64(duTotal),
                 scanTotal + containers == duTotal ? "equal" : "DIFFERENT");
     std::printf("scan median %.2f ms, du median %.2f ms, ratio %.2fx\n", scanMedian, duMedian, scanMedian / duMedian);
-    std::printf("scan CPU median: user %.2f ms, system %.2f ms\n", median(scanUser), median(scanSystem));
+    std::printf("scan CPU median: user %.2f ms, system %.2f ms, %.0f page faults; du CPU median %.2f ms\n",
+                median(scanUser), median(scanSystem), median(scanFaults), median(duCpu));
     return scanTotal + containers == duTotal ? 0 : 1;
 }

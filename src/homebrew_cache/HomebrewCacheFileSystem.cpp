@@ -3,6 +3,7 @@
 #include <QFile>
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -24,6 +25,13 @@ void addSize(qint64& total, qint64 size)
     // A cache of more than 8 EiB is no state this program can report honestly.
     if (__builtin_add_overflow(total, size, &total))
         qFatal("Homebrew cache size overflow");
+}
+
+// Inodes of one folder are often consecutive; the multiply spreads them over the table.
+size_t identityHash(const HomebrewCacheFileSystem::FileIdentity& identity)
+{
+    const quint64 mixed = (identity.inode ^ (identity.device << 32 | identity.device >> 32)) * 0x9E3779B97F4A7C15ULL;
+    return size_t(mixed ^ (mixed >> 29));
 }
 
 bool isDotOrDotDot(const char* name)
@@ -67,15 +75,17 @@ Measurement walkFolder(int folder, VisitedSet& visited, Measurement result)
 // The common part of both measuring forms once the item's own status is known.
 // `openFolder` gives a descriptor of the item (a folder), or -1.
 template <typename OpenFolder>
-Measurement measureStatus(const struct stat& st, const QByteArray& name, VisitedSet& visited, OpenFolder openFolder)
+Measurement measureStatus(const HomebrewCacheFileSystem::ItemStatus& st,
+                          std::string_view name,
+                          VisitedSet& visited,
+                          OpenFolder openFolder)
 {
     Measurement result;
     result.isIncomplete = HomebrewCacheFileSystem::hasIncompleteSuffix(name);
-    const HomebrewCacheFileSystem::FileIdentity identity {quint64(st.st_dev), quint64(st.st_ino)};
-    if (!visited.insert(identity).second)
+    if (!visited.insert({st.device, st.inode}))
         return result; // counted before; a folder met again is not walked again
-    result.allocatedSize = std::max<qint64>(0, qint64(st.st_blocks) * 512);
-    if (!S_ISDIR(st.st_mode))
+    result.allocatedSize = std::max<qint64>(0, st.blocks * 512);
+    if (!S_ISDIR(st.mode))
         return result;
     const int folder = openFolder();
     if (folder < 0) {
@@ -219,7 +229,9 @@ std::optional<Measurement> HomebrewCacheFileSystem::measure(const QString& path,
     };
     if (::lstat(native.constData(), &st) != 0)
         return std::nullopt;
-    return measureStatus(st, lastComponent(native), visited,
+    const QByteArray name = lastComponent(native);
+    return measureStatus(HomebrewCacheFileSystem::ItemStatus::of(st),
+                         std::string_view(name.constData(), size_t(name.size())), visited,
                          [&native] { return ::open(native.constData(), kOpenFolderFlags); });
 }
 
@@ -233,19 +245,19 @@ HomebrewCacheFileSystem::measureAt(int folderDescriptor, const QByteArray& name,
     };
     if (::fstatat(folderDescriptor, terminated.constData(), &st, AT_SYMLINK_NOFOLLOW) != 0)
         return std::nullopt;
-    return measureStatus(st, terminated, visited, [folderDescriptor, &terminated] {
-        return ::openat(folderDescriptor, terminated.constData(), kOpenFolderFlags);
-    });
+    return measureStatus(ItemStatus::of(st), std::string_view(terminated.constData(), size_t(terminated.size())),
+                         visited, [folderDescriptor, &terminated] {
+                             return ::openat(folderDescriptor, terminated.constData(), kOpenFolderFlags);
+                         });
 }
 
-Measurement HomebrewCacheFileSystem::measureWithStatus(const struct stat& status,
+Measurement HomebrewCacheFileSystem::measureWithStatus(const ItemStatus& status,
                                                        int folderDescriptor,
-                                                       const QByteArray& name,
+                                                       const char* name,
                                                        VisitedSet& visited)
 {
-    return measureStatus(status, name, visited, [folderDescriptor, &name] {
-        return ::openat(folderDescriptor, name.constData(), kOpenFolderFlags);
-    });
+    return measureStatus(status, name, visited,
+                         [folderDescriptor, name] { return ::openat(folderDescriptor, name, kOpenFolderFlags); });
 }
 
 Measurement HomebrewCacheFileSystem::measure(const QStringList& paths, VisitedSet& visited)
@@ -264,9 +276,45 @@ Measurement HomebrewCacheFileSystem::measure(const QStringList& paths, VisitedSe
     return total;
 }
 
-bool HomebrewCacheFileSystem::hasIncompleteSuffix(const QByteArray& name)
+bool HomebrewCacheFileSystem::hasIncompleteSuffix(std::string_view name)
 {
-    return name.endsWith(".incomplete");
+    return name.ends_with(".incomplete");
+}
+
+bool HomebrewCacheFileSystem::VisitedSet::insert(const FileIdentity& identity)
+{
+    if (identity == FileIdentity {})
+        return !std::exchange(m_hasZero, true);
+    if ((m_count + 1) * 2 > m_slots.size())
+        grow();
+    const size_t mask = m_slots.size() - 1;
+    for (size_t at = identityHash(identity) & mask;; at = (at + 1) & mask) {
+        FileIdentity& slot = m_slots[at];
+        if (slot == FileIdentity {}) {
+            slot = identity;
+            ++m_count;
+            return true;
+        }
+        if (slot == identity)
+            return false;
+    }
+}
+
+void HomebrewCacheFileSystem::VisitedSet::reserve(size_t count)
+{
+    while (m_slots.size() < count * 2)
+        grow();
+}
+
+void HomebrewCacheFileSystem::VisitedSet::grow()
+{
+    std::vector<FileIdentity> old
+        = std::exchange(m_slots, std::vector<FileIdentity>(std::max<size_t>(1024, m_slots.size() * 2)));
+    m_count = 0;
+    for (const FileIdentity& identity : old) {
+        if (identity != FileIdentity {})
+            insert(identity);
+    }
 }
 
 } // namespace quillbay

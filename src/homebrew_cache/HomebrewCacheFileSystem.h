@@ -4,7 +4,8 @@
 #include <QString>
 #include <QStringList>
 #include <optional>
-#include <unordered_set>
+#include <string_view>
+#include <vector>
 
 #include <sys/stat.h>
 
@@ -23,16 +24,40 @@ public:
         quint64 inode = 0;
         friend bool operator==(const FileIdentity&, const FileIdentity&) = default;
     };
-    struct FileIdentityHash
-    {
-        size_t operator()(const FileIdentity& identity) const noexcept
-        {
-            return std::hash<quint64>()(identity.inode * 0x9E3779B97F4A7C15ULL ^ identity.device);
-        }
-    };
     // Everything measured so far in one run: a file reached twice (hard links, repeated
     // paths, a folder inside another measured folder) counts once, for the first reach.
-    using VisitedSet = std::unordered_set<FileIdentity, FileIdentityHash>;
+    // Open addressing over one array: a scan inserts every item it measures, and a node
+    // allocation per item cost more than the rest of measuring.
+    class VisitedSet
+    {
+    public:
+        // True when the identity was not in the set before.
+        bool insert(const FileIdentity& identity);
+        // Room for this many identities without growing.
+        void reserve(size_t count);
+
+    private:
+        void grow();
+        // {0, 0} marks an empty slot; that identity itself, which no real file has, is
+        // kept aside.
+        std::vector<FileIdentity> m_slots;
+        size_t m_count = 0;
+        bool m_hasZero = false;
+    };
+
+    // The parts of an item's lstat that measuring needs.
+    struct ItemStatus
+    {
+        mode_t mode = 0;
+        quint64 device = 0;
+        quint64 inode = 0;
+        qint64 blocks = 0;
+        qint64 size = 0; // the length of a link's text, for reading it
+        static ItemStatus of(const struct stat& st)
+        {
+            return {st.st_mode, quint64(st.st_dev), quint64(st.st_ino), qint64(st.st_blocks), qint64(st.st_size)};
+        }
+    };
 
     struct Measurement
     {
@@ -73,12 +98,13 @@ public:
     // The same, relative to an open folder.
     static std::optional<Measurement> measureAt(int folderDescriptor, const QByteArray& name, VisitedSet& visited);
     // The same, for an item of an open folder whose status is already known.
+    // `name` is terminated.
     static Measurement
-    measureWithStatus(const struct stat& status, int folderDescriptor, const QByteArray& name, VisitedSet& visited);
+    measureWithStatus(const ItemStatus& status, int folderDescriptor, const char* name, VisitedSet& visited);
     // Several items in order; one that cannot be examined adds nothing and sets hasIssue.
     static Measurement measure(const QStringList& paths, VisitedSet& visited);
 
-    static bool hasIncompleteSuffix(const QByteArray& name);
+    static bool hasIncompleteSuffix(std::string_view name);
 };
 
 } // namespace quillbay

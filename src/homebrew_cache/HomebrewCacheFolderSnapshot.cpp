@@ -1,12 +1,11 @@
 #include "homebrew_cache/HomebrewCacheFolderSnapshot.h"
 
 #include <QFile>
-#include <QThread>
-#include <algorithm>
-#include <atomic>
+#include <QStringBuilder>
+#include <bit>
 #include <cerrno>
 #include <cstring>
-#include <thread>
+#include <utility>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -18,54 +17,49 @@ namespace quillbay {
 
 namespace {
 
-// Names in a cache are ASCII almost always; for those the Latin-1 conversion gives the
-// same text as the file-name decoder at a fraction of its cost.
-QString decodedName(const char* name, qsizetype length)
+bool isAscii(std::string_view bytes)
 {
-    for (qsizetype i = 0; i < length; ++i) {
-        if (static_cast<unsigned char>(name[i]) >= 0x80)
-            return QFile::decodeName(QByteArray::fromRawData(name, length));
-    }
-    return QString::fromLatin1(name, length);
+    unsigned char any = 0;
+    for (const char c : bytes)
+        any |= static_cast<unsigned char>(c);
+    return any < 0x80;
 }
 
-struct Work
+// Names in a cache are ASCII almost always; for those the Latin-1 conversion gives the
+// same text as the file-name decoder at a fraction of its cost.
+QString decodedName(std::string_view bytes, bool ascii)
 {
-    int descriptor;
-    HomebrewCacheFolderSnapshot::Item* item;
-};
+    if (ascii)
+        return QString::fromLatin1(bytes.data(), qsizetype(bytes.size()));
+    return QFile::decodeName(QByteArray::fromRawData(bytes.data(), qsizetype(bytes.size())));
+}
 
-void examineItem(const Work& work)
+// Eight bytes at a time: cache names run to a hundred characters.
+size_t hashOf(std::string_view bytes)
 {
-    HomebrewCacheFolderSnapshot::Item& item = *work.item;
-    item.hasStatus = ::fstatat(work.descriptor, item.nativeName.constData(), &item.status, AT_SYMLINK_NOFOLLOW) == 0;
-    if (!item.hasStatus || !S_ISLNK(item.status.st_mode))
-        return;
-    QByteArray buffer(qsizetype(item.status.st_size > 0 ? item.status.st_size + 1 : 4096), Qt::Uninitialized);
-    for (;;) {
-        const ssize_t length
-            = ::readlinkat(work.descriptor, item.nativeName.constData(), buffer.data(), size_t(buffer.size()));
-        if (length <= 0)
-            return; // unreadable: the destination stays absent
-        if (length < buffer.size()) {
-            buffer.truncate(length);
-            break;
-        }
-        buffer.resize(buffer.size() * 2);
+    quint64 hash = 0x243F6A8885A308D3ULL ^ bytes.size();
+    size_t at = 0;
+    for (; at + 8 <= bytes.size(); at += 8) {
+        quint64 word;
+        std::memcpy(&word, bytes.data() + at, 8);
+        hash = (hash ^ word) * 0x9E3779B97F4A7C15ULL;
+        hash ^= hash >> 32;
     }
-    const QString destination = decodedName(buffer.constData(), buffer.size());
-    // Absolute destinations as they stand; relative ones against the link's folder.
-    item.linkDestination = destination.startsWith(QLatin1Char('/'))
-        ? destination
-        : standardizedPath(item.path.left(item.path.size() - item.name.size()) + destination);
+    quint64 tail = 0;
+    std::memcpy(&tail, bytes.data() + at, bytes.size() - at);
+    hash = (hash ^ tail) * 0x9E3779B97F4A7C15ULL;
+    return size_t(hash ^ (hash >> 29));
 }
 
 } // namespace
 
 HomebrewCacheFolderSnapshot::HomebrewCacheFolderSnapshot(HomebrewCacheFolderSnapshot&& other) noexcept
     : m_folder(std::move(other.m_folder))
+    , m_prefix(std::move(other.m_prefix))
     , m_descriptor(std::exchange(other.m_descriptor, -1))
+    , m_names(std::move(other.m_names))
     , m_items(std::move(other.m_items))
+    , m_asciiIndex(std::move(other.m_asciiIndex))
     , m_indexByPath(std::move(other.m_indexByPath))
 {
 }
@@ -73,8 +67,11 @@ HomebrewCacheFolderSnapshot::HomebrewCacheFolderSnapshot(HomebrewCacheFolderSnap
 HomebrewCacheFolderSnapshot& HomebrewCacheFolderSnapshot::operator=(HomebrewCacheFolderSnapshot&& other) noexcept
 {
     std::swap(m_folder, other.m_folder);
+    std::swap(m_prefix, other.m_prefix);
     std::swap(m_descriptor, other.m_descriptor);
+    std::swap(m_names, other.m_names);
     std::swap(m_items, other.m_items);
+    std::swap(m_asciiIndex, other.m_asciiIndex);
     std::swap(m_indexByPath, other.m_indexByPath);
     return *this;
 }
@@ -94,6 +91,7 @@ std::optional<HomebrewCacheFolderSnapshot> HomebrewCacheFolderSnapshot::list(con
     };
     HomebrewCacheFolderSnapshot snapshot;
     snapshot.m_folder = folder;
+    snapshot.m_prefix = folder.endsWith(QLatin1Char('/')) ? folder : folder + QLatin1Char('/');
     snapshot.m_descriptor
         = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     if (snapshot.m_descriptor < 0)
@@ -106,7 +104,6 @@ std::optional<HomebrewCacheFolderSnapshot> HomebrewCacheFolderSnapshot::list(con
             ::close(listing);
         return fail(error);
     }
-    const QString prefix = folder.endsWith(QLatin1Char('/')) ? folder : folder + QLatin1Char('/');
     for (;;) {
         errno = 0;
         const dirent* child = ::readdir(stream);
@@ -121,71 +118,126 @@ std::optional<HomebrewCacheFolderSnapshot> HomebrewCacheFolderSnapshot::list(con
         const char* name = child->d_name;
         if (name[0] == '.' && (name[1] == '\0' || (name[1] == '.' && name[2] == '\0')))
             continue;
-        const qsizetype length = qsizetype(std::strlen(name));
-        Item item;
-        item.nativeName = QByteArray(name, length);
-        item.name = decodedName(name, length);
-        item.path.reserve(prefix.size() + item.name.size());
-        item.path.append(prefix).append(item.name);
-        snapshot.m_items.push_back(std::move(item));
+        const std::string_view bytes(name);
+        Item& item = snapshot.m_items.emplace_back();
+        item.nameOffset = quint32(snapshot.m_names.size());
+        item.nameSize = quint32(bytes.size());
+        item.isAscii = isAscii(bytes);
+        snapshot.m_names.append(bytes).push_back('\0');
     }
     ::closedir(stream);
-    snapshot.m_indexByPath.reserve(qsizetype(snapshot.m_items.size()));
-    for (size_t i = 0; i < snapshot.m_items.size(); ++i)
-        snapshot.m_indexByPath.insert(snapshot.m_items[i].path, qsizetype(i));
     return snapshot;
 }
 
-void HomebrewCacheFolderSnapshot::examine(std::initializer_list<HomebrewCacheFolderSnapshot*> snapshots,
-                                          const std::function<void()>& alongside)
+void HomebrewCacheFolderSnapshot::examine(size_t index)
 {
-    std::vector<Work> work;
-    for (HomebrewCacheFolderSnapshot* snapshot : snapshots) {
-        if (!snapshot)
-            continue;
-        for (Item& item : snapshot->m_items)
-            work.push_back(Work {snapshot->m_descriptor, &item});
-    }
-    // Items are handed out in small batches from one counter, so a thread that starts
-    // late (the caller, after `alongside`) or runs slow (links cost a second call) simply
-    // takes fewer. Each item is written by exactly one thread and read only after the
-    // join. Small folders aren't worth a thread.
-    constexpr size_t kBatch = 64;
-    constexpr size_t kItemsPerHelper = 1024;
-    std::atomic<size_t> next {0};
-    const auto drain = [&work, &next] {
-        for (;;) {
-            const size_t first = next.fetch_add(kBatch, std::memory_order_relaxed);
-            if (first >= work.size())
-                return;
-            const size_t last = std::min(work.size(), first + kBatch);
-            for (size_t i = first; i < last; ++i)
-                examineItem(work[i]);
-        }
+    Item& item = m_items[index];
+    const char* name = m_names.data() + item.nameOffset;
+    struct stat st
+    {
     };
-    const size_t cores = size_t(std::max(1, QThread::idealThreadCount()));
-    // The caller is busy with `alongside` at first, so on one core a helper still pays.
-    const size_t helpers
-        = std::min<size_t>({std::max<size_t>(cores, alongside ? 2 : 1) - 1, 3, work.size() / kItemsPerHelper});
-    std::vector<std::jthread> threads;
-    threads.reserve(helpers);
-    for (size_t t = 0; t < helpers; ++t)
-        threads.emplace_back(drain);
-    if (alongside)
-        alongside();
-    drain();
+    item.hasStatus = ::fstatat(m_descriptor, name, &st, AT_SYMLINK_NOFOLLOW) == 0;
+    if (!item.hasStatus)
+        return;
+    item.status = HomebrewCacheFileSystem::ItemStatus::of(st);
+    if (!S_ISLNK(st.st_mode))
+        return;
+    std::string& text = item.linkText;
+    text.resize(st.st_size > 0 ? size_t(st.st_size) + 1 : 4096);
+    for (;;) {
+        const ssize_t length = ::readlinkat(m_descriptor, name, text.data(), text.size());
+        if (length <= 0) {
+            text.clear(); // unreadable: the destination stays absent
+            return;
+        }
+        if (size_t(length) < text.size()) {
+            text.resize(size_t(length));
+            return;
+        }
+        text.resize(text.size() * 2); // the link grew since fstatat
+    }
+}
+
+void HomebrewCacheFolderSnapshot::walkAhead(size_t index)
+{
+    Item& item = m_items[index];
+    if (item.hasStatus && S_ISDIR(item.status.mode))
+        item.walk = std::make_unique<const HomebrewCacheFolderWalk>(
+            HomebrewCacheFolderWalk::record(m_descriptor, m_names.data() + item.nameOffset, item.status));
+}
+
+QString HomebrewCacheFolderSnapshot::name(const Item& item) const
+{
+    return decodedName(nameBytes(item), item.isAscii);
+}
+
+QString HomebrewCacheFolderSnapshot::path(const Item& item) const
+{
+    if (!item.isAscii)
+        return m_prefix + name(item);
+    const std::string_view bytes = nameBytes(item);
+    return m_prefix % QLatin1StringView(bytes.data(), qsizetype(bytes.size())); // one allocation
+}
+
+std::optional<QString> HomebrewCacheFolderSnapshot::linkDestination(const Item& item) const
+{
+    if (item.linkText.empty())
+        return std::nullopt;
+    const std::string_view text(item.linkText);
+    const QString destination = decodedName(text, isAscii(text));
+    // Absolute destinations as they stand; relative ones against the link's folder.
+    if (destination.startsWith(QLatin1Char('/')))
+        return destination;
+    return standardizedPath(m_prefix + destination);
 }
 
 const HomebrewCacheFolderSnapshot::Item* HomebrewCacheFolderSnapshot::find(const QString& path) const
 {
-    const auto found = m_indexByPath.constFind(path);
-    return found == m_indexByPath.cend() ? nullptr : &m_items[size_t(*found)];
+    if (!m_indexByPath) {
+        QHash<QString, qsizetype> index;
+        index.reserve(qsizetype(m_items.size()));
+        for (size_t i = 0; i < m_items.size(); ++i)
+            index.insert(this->path(m_items[i]), qsizetype(i));
+        m_indexByPath = std::move(index);
+    }
+    const auto found = m_indexByPath->constFind(path);
+    return found == m_indexByPath->cend() ? nullptr : &m_items[size_t(*found)];
+}
+
+void HomebrewCacheFolderSnapshot::indexAsciiNames()
+{
+    m_asciiIndex.assign(std::bit_ceil(std::max<size_t>(16, m_items.size() * 2)), 0);
+    const size_t mask = m_asciiIndex.size() - 1;
+    for (size_t i = 0; i < m_items.size(); ++i) {
+        if (!m_items[i].isAscii)
+            continue;
+        size_t at = hashOf(nameBytes(m_items[i])) & mask;
+        while (m_asciiIndex[at] != 0)
+            at = (at + 1) & mask;
+        m_asciiIndex[at] = quint32(i + 1);
+    }
+}
+
+qsizetype HomebrewCacheFolderSnapshot::findAscii(std::string_view name) const
+{
+    if (m_asciiIndex.empty())
+        return -1;
+    const size_t mask = m_asciiIndex.size() - 1;
+    for (size_t at = hashOf(name) & mask; m_asciiIndex[at] != 0; at = (at + 1) & mask) {
+        const size_t index = m_asciiIndex[at] - 1;
+        if (nameBytes(m_items[index]) == name)
+            return qsizetype(index);
+    }
+    return -1;
 }
 
 HomebrewCacheFileSystem::Measurement
 HomebrewCacheFolderSnapshot::measure(const Item& item, HomebrewCacheFileSystem::VisitedSet& visited) const
 {
-    return HomebrewCacheFileSystem::measureWithStatus(item.status, m_descriptor, item.nativeName, visited);
+    if (item.walk)
+        return item.walk->measure(visited);
+    return HomebrewCacheFileSystem::measureWithStatus(item.status, m_descriptor, m_names.data() + item.nameOffset,
+                                                      visited);
 }
 
 } // namespace quillbay

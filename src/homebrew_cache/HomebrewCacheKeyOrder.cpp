@@ -3,8 +3,10 @@
 #include <QCollator>
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <numeric>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "foundation/LocalizedText.h"
@@ -58,23 +60,39 @@ int rankOf(const RankTable& ranks, char16_t c)
     return kUnrankedBase + c;
 }
 
+// One token in bytes whose plain order (memcmp) is the tokens' order: values below 0x80
+// as one byte, larger ones as a lead byte above all of those and three bytes, high
+// first. No token's code is the start of another's.
+char* writeToken(char* out, char32_t value)
+{
+    if (value < 0x80) {
+        *out++ = char(value);
+        return out;
+    }
+    out[0] = char(0xF0);
+    out[1] = char(value >> 16);
+    out[2] = char(value >> 8);
+    out[3] = char(value);
+    return out + 4;
+}
+
+constexpr size_t kMaxFormBytesPerUnit = 10;
+
 // A text as a string of tokens whose plain order is natural order by the ranks: a
 // character is its rank; a run of digits is one marker (the rank of "0", digits being
 // ranked side by side), its length without leading zeros, and its digits, so runs
 // compare by value. After a separator below every token come the code units, which
 // settle texts that are equal by rank. Every token is shifted by one to keep the
-// separator lowest.
-std::u32string rankedForm(const RankTable& ranks, const QString& text)
+// separator lowest. Written at `out`; returns the end.
+char* writeRankedForm(const RankTable& ranks, const QString& text, char* out)
 {
     const char16_t* units = reinterpret_cast<const char16_t*>(text.constData());
     const qsizetype size = text.size();
     const char32_t digitMarker = char32_t(ranks[u'0' - kFirstRanked]) + 1;
     constexpr char32_t kLengthBase = 0x40000;
-    std::u32string form;
-    form.reserve(size_t(size) * 2 + 1);
     for (qsizetype i = 0; i < size;) {
         if (!isDigit(units[i])) {
-            form.push_back(char32_t(rankOf(ranks, units[i])) + 1);
+            out = writeToken(out, char32_t(rankOf(ranks, units[i])) + 1);
             ++i;
             continue;
         }
@@ -83,37 +101,71 @@ std::u32string rankedForm(const RankTable& ranks, const QString& text)
         qsizetype end = i;
         while (end < size && isDigit(units[end]))
             ++end;
-        form.push_back(digitMarker);
-        form.push_back(kLengthBase + char32_t(end - i));
+        out = writeToken(out, digitMarker);
+        out = writeToken(out, kLengthBase + char32_t(end - i));
         for (; i < end; ++i)
-            form.push_back(char32_t(units[i]) + 1);
+            out = writeToken(out, char32_t(units[i]) + 1);
     }
-    form.push_back(0);
+    *out++ = 0;
     for (qsizetype i = 0; i < size; ++i)
-        form.push_back(char32_t(units[i]) + 1);
-    return form;
+        out = writeToken(out, char32_t(units[i]) + 1);
+    return out;
 }
 
 } // namespace
 
-void sortInStandardOrder(std::vector<const QString*>& texts)
+void sortByRank(std::vector<const QString*>& texts)
 {
     const RankTable& ranks = asciiRanks();
-    std::vector<std::pair<std::u32string, const QString*>> ranked;
-    ranked.reserve(texts.size());
+    // All forms in one block: one allocation, and the sort moves small records only.
+    // A character takes at most ten bytes of its form (a one-digit run and its code
+    // unit), and the block is written in place up to that bound.
+    struct Ranked
+    {
+        size_t offset;
+        size_t size;
+        const QString* text;
+    };
+    size_t bound = 0;
     for (const QString* text : texts)
-        ranked.emplace_back(rankedForm(ranks, *text), text);
-    std::sort(ranked.begin(), ranked.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+        bound += size_t(text->size()) * kMaxFormBytesPerUnit + 1;
+    const std::unique_ptr<char[]> forms(new char[bound]);
+    std::vector<Ranked> ranked;
+    ranked.reserve(texts.size());
+    char* out = forms.get();
+    for (const QString* text : texts) {
+        char* const start = out;
+        out = writeRankedForm(ranks, *text, out);
+        ranked.push_back(Ranked {size_t(start - forms.get()), size_t(out - start), text});
+    }
+    const char* all = forms.get();
+    std::sort(ranked.begin(), ranked.end(), [all](const Ranked& a, const Ranked& b) {
+        return std::string_view(all + a.offset, a.size) < std::string_view(all + b.offset, b.size);
+    });
     for (size_t i = 0; i < ranked.size(); ++i)
-        texts[i] = ranked[i].second;
+        texts[i] = ranked[i].text;
+}
+
+bool isInStandardOrder(const std::vector<const QString*>& texts)
+{
+    return isInStandardOrder(texts, 1, texts.size());
+}
+
+bool isInStandardOrder(const std::vector<const QString*>& texts, size_t first, size_t last)
+{
     QCollator& collator = standardCollator();
-    bool agrees = true;
-    for (size_t i = 1; i < texts.size() && agrees; ++i)
-        agrees = collator.compare(*texts[i - 1], *texts[i]) <= 0;
-    if (agrees)
-        return;
+    for (size_t i = std::max<size_t>(first, 1); i < last; ++i) {
+        if (collator.compare(*texts[i - 1], *texts[i]) > 0)
+            return false;
+    }
+    return true;
+}
+
+void sortByCollationKeys(std::vector<const QString*>& texts)
+{
     // Sort keys make the thousands of comparisons byte comparisons; code units settle
-    // what the collator holds equal, as above.
+    // what the collator holds equal, as the ranked form does.
+    QCollator& collator = standardCollator();
     std::vector<std::pair<QCollatorSortKey, const QString*>> keyed;
     keyed.reserve(texts.size());
     for (const QString* text : texts)
@@ -124,6 +176,13 @@ void sortInStandardOrder(std::vector<const QString*>& texts)
     });
     for (size_t i = 0; i < keyed.size(); ++i)
         texts[i] = keyed[i].second;
+}
+
+void sortInStandardOrder(std::vector<const QString*>& texts)
+{
+    sortByRank(texts);
+    if (!isInStandardOrder(texts))
+        sortByCollationKeys(texts);
 }
 
 } // namespace quillbay

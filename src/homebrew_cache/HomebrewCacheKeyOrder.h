@@ -14,4 +14,13 @@ namespace quillbay {
 // they sorted again by collation keys, so the order never depends on the shortcut.
 void sortInStandardOrder(std::vector<const QString*>& texts);
 
+// The three steps of sortInStandardOrder, for callers that check the order on another
+// thread while they go on: the ranked order; whether the collator agrees with every
+// adjacent pair (the collator is the calling thread's own); the order by collation keys.
+void sortByRank(std::vector<const QString*>& texts);
+bool isInStandardOrder(const std::vector<const QString*>& texts);
+// The same for the pairs ending at indexes [first, last), so that threads can share it.
+bool isInStandardOrder(const std::vector<const QString*>& texts, size_t first, size_t last);
+void sortByCollationKeys(std::vector<const QString*>& texts);
+
 } // namespace quillbay
