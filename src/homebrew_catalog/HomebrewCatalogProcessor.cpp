@@ -212,19 +212,22 @@ HomebrewStatus checkedSnapshot(const QByteArray& bytes,
     if (!payload.ok())
         return payload.error();
 
-    if (rows)
-        rows->reserve(static_cast<qsizetype>(packages.size()));
+    // Rows are decoded in place into a list made at its full length; a failure discards
+    // the whole list anyway.
+    HomebrewPackageSummary* row = nullptr;
+    if (rows) {
+        rows->resize(static_cast<qsizetype>(packages.size()));
+        row = rows->data();
+    }
     SharedTextBlocks texts;
     qsizetype index = 0;
     for (const simdjson::dom::element element : packages) {
-        // Rows are decoded in place; a failure discards the whole list anyway.
-        HomebrewPackageSummary* row = nullptr;
-        if (rows) {
-            row = &rows->emplace_back();
+        if (row)
             row->kind = expectedKind;
-        }
         if (const QString problem = decodeRow(element, row, &texts); !problem.isEmpty())
             return HomebrewError::decoding(QStringLiteral("packages[%1]: %2").arg(index).arg(problem));
+        if (row)
+            ++row;
         ++index;
     }
 
