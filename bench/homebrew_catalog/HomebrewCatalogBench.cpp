@@ -93,6 +93,9 @@ void BM_ValidateAndDecodeRowsKept(benchmark::State& state)
 BENCHMARK(BM_ValidateAndDecodeRowsKept)->Unit(benchmark::kMillisecond);
 
 // The same work as the store schedules it: formula and cask side by side on two threads.
+// The store releases the previous catalog on the UI thread when it applies the new one,
+// apart from decoding, so each round's rows are freed with the timer paused, as in
+// BM_ValidateAndDecodeRowsKept.
 void BM_ValidateAndDecodeSideBySide(benchmark::State& state)
 {
     const Catalog& c = catalog();
@@ -104,9 +107,14 @@ void BM_ValidateAndDecodeSideBySide(benchmark::State& state)
         });
         auto casks = processor.summaries(HomebrewCatalogKind::cask, c.caskBytes, c.caskSha, c.caskBytes.size(),
                                          packagesPerKind);
-        formulae.waitForFinished();
-        if (!formulae.result() || !casks)
+        // Taken out of the future, so that this thread is the one that frees them.
+        auto formulaRows = formulae.takeResult();
+        if (!formulaRows || !casks)
             state.SkipWithError("a generated snapshot did not validate");
+        state.PauseTiming();
+        formulaRows = HomebrewResult<QList<HomebrewPackageSummary>>(QList<HomebrewPackageSummary>());
+        casks = HomebrewResult<QList<HomebrewPackageSummary>>(QList<HomebrewPackageSummary>());
+        state.ResumeTiming();
     }
     state.SetBytesProcessed(state.iterations() * (c.formulaBytes.size() + c.caskBytes.size()));
 }

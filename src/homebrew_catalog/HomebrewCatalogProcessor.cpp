@@ -7,6 +7,7 @@
 #include <simdjson.h>
 
 #include "homebrew_catalog/JsonFields.h"
+#include "homebrew_catalog/SharedTextBlocks.h"
 
 namespace quillbay {
 
@@ -53,8 +54,9 @@ HomebrewResult<HomebrewCatalogManifest::Artifact> decodeArtifact(simdjson::dom::
 
 // One package row, read in a single pass over its members (a lookup per key would cost
 // more than the rest of the row). With `row` null only the types are checked and no text
-// is converted. Gives "" on success, else what is wrong.
-QString decodeRow(simdjson::dom::element element, HomebrewPackageSummary* row)
+// is converted; otherwise the row's texts are cut from `texts`. Gives "" on success, else
+// what is wrong.
+QString decodeRow(simdjson::dom::element element, HomebrewPackageSummary* row, SharedTextBlocks* texts)
 {
     constexpr unsigned identifier = 1u << 0;
     constexpr unsigned displayName = 1u << 1;
@@ -130,7 +132,7 @@ QString decodeRow(simdjson::dom::element element, HomebrewPackageSummary* row)
             if (field == displayName && text == identifierText && (seen & identifier))
                 *target = row->identifier;
             else
-                *target = json::toQString(text);
+                *target = texts->text(text);
             break;
         }
         case aliases: {
@@ -142,7 +144,7 @@ QString decodeRow(simdjson::dom::element element, HomebrewPackageSummary* row)
                 if (item.get_string().get(text))
                     return mismatch("an array of strings");
                 if (row)
-                    row->aliases.append(json::toQString(text));
+                    row->aliases.append(texts->text(text));
             }
             break;
         }
@@ -210,16 +212,22 @@ HomebrewStatus checkedSnapshot(const QByteArray& bytes,
     if (!payload.ok())
         return payload.error();
 
-    if (rows)
-        rows->reserve(static_cast<qsizetype>(packages.size()));
+    // Rows are decoded in place into a list made at its full length; a failure discards
+    // the whole list anyway.
+    HomebrewPackageSummary* row = nullptr;
+    if (rows) {
+        rows->resize(static_cast<qsizetype>(packages.size()));
+        row = rows->data();
+    }
+    SharedTextBlocks texts;
     qsizetype index = 0;
     for (const simdjson::dom::element element : packages) {
-        HomebrewPackageSummary row;
-        row.kind = expectedKind;
-        if (const QString problem = decodeRow(element, rows ? &row : nullptr); !problem.isEmpty())
+        if (row)
+            row->kind = expectedKind;
+        if (const QString problem = decodeRow(element, row, &texts); !problem.isEmpty())
             return HomebrewError::decoding(QStringLiteral("packages[%1]: %2").arg(index).arg(problem));
-        if (rows)
-            rows->append(std::move(row));
+        if (row)
+            ++row;
         ++index;
     }
 

@@ -15,14 +15,6 @@ HomebrewResult<simdjson::dom::element> parse(const QByteArray& bytes)
     return element;
 }
 
-std::optional<qint64> integerValue(simdjson::dom::element element)
-{
-    int64_t value = 0;
-    if (element.is_int64() && !element.get_int64().get(value))
-        return value;
-    return std::nullopt;
-}
-
 ObjectReader::ObjectReader(simdjson::dom::element element, QString path)
     : m_path(std::move(path))
 {

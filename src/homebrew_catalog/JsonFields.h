@@ -80,6 +80,13 @@ private:
 };
 
 // An integer in the signed 64-bit range; doubles and larger unsigned values are refused.
-std::optional<qint64> integerValue(simdjson::dom::element element);
+// Inline: every catalog row has up to three.
+inline std::optional<qint64> integerValue(simdjson::dom::element element)
+{
+    int64_t value = 0;
+    if (element.get_int64().get(value))
+        return std::nullopt;
+    return value;
+}
 
 } // namespace quillbay::json

@@ -225,6 +225,81 @@ TEST(HomebrewCatalogProcessorTest, SummariesKeepSnapshotOrderDuplicatesAndAbsent
     EXPECT_EQ(list[0].id(), u"cask:zed");
 }
 
+TEST(HomebrewCatalogProcessorTest, SummariesKeepEveryTextExactAndOwnTheirMemory)
+{
+    // `json` is the text as the snapshot spells it inside quotes.
+    struct Text
+    {
+        const char* name;
+        QByteArray json;
+        QString expected;
+    };
+    const Text texts[] = {
+        {"plain", "wget", u"wget"_s},
+        {"empty", "", u""_s},
+        {"accented", "caf\xC3\xA9", u"caf\u00e9"_s},
+        {"outside the basic plane", "\xF0\x9F\x98\x80 grin", u"\U0001F600 grin"_s},
+        // The UTF-8 decoder drops a byte order mark that opens a text, and only there.
+        {"leading byte order mark", "\xEF\xBB\xBFmark", u"mark"_s},
+        {"escapes", R"(line\nbreak \"q\" \u00e9 \ud83d\ude00 \/)", u"line\nbreak \"q\" \u00e9 \U0001F600 /"_s},
+        {"longer than any block", QByteArray(40000, 'x'), QString(40000, u'x')},
+    };
+    // Enough rows that their texts span many blocks, each text in every field.
+    QByteArray json = R"({"schemaVersion":1,"kind":"cask","packages":[)";
+    QList<const Text*> expectedRows;
+    for (int round = 0; round < 150; ++round) {
+        for (const Text& text : texts) {
+            if (round > 0 && text.json.size() > 1000)
+                continue;
+            if (!expectedRows.isEmpty())
+                json += ',';
+            json += R"({"identifier":"id-)" + text.json + R"(","displayName":")" + text.json + R"(","aliases":[")"
+                + text.json + R"(","x)" + text.json + R"("],"summary":")" + text.json + R"( s","version":")" + text.json
+                + R"(","analytics":{},"isDeprecated":false,"isDisabled":false})";
+            expectedRows.append(&text);
+        }
+    }
+    json += "]}";
+
+    QList<HomebrewPackageSummary> rows;
+    {
+        const auto decoded = HomebrewCatalogProcessor().summaries(HomebrewCatalogKind::cask, json, sha256(json),
+                                                                  json.size(), expectedRows.size());
+        ASSERT_TRUE(decoded.ok()) << decoded.error().debugDescription().toStdString();
+        rows = decoded.value();
+    }
+    ASSERT_EQ(rows.size(), expectedRows.size());
+    const auto nullTerminated = [](const QString& s) { return s.constData()[s.size()] == QChar(); };
+    for (qsizetype i = 0; i < rows.size(); ++i) {
+        const Text& text = *expectedRows[i];
+        const HomebrewPackageSummary& row = rows[i];
+        SCOPED_TRACE(testing::Message() << text.name << ", row " << i);
+        const QString inside = (text.json.startsWith("\xEF\xBB\xBF") ? u"\uFEFF"_s : QString()) + text.expected;
+        EXPECT_EQ(row.identifier, u"id-"_s + inside);
+        EXPECT_EQ(row.displayName, text.expected);
+        EXPECT_EQ(row.aliases, (QStringList {text.expected, u"x"_s + inside}));
+        EXPECT_EQ(row.summary, text.expected + u" s"_s);
+        EXPECT_EQ(row.version, text.expected);
+        for (const QString* field : {&row.identifier, &row.displayName, &row.summary, &row.version, &row.aliases[0]})
+            EXPECT_TRUE(nullTerminated(*field));
+        if (HasFailure())
+            return;
+    }
+
+    // Writing to one text leaves its neighbours alone, and a text outlives all the others.
+    QString survivor = rows[2].summary;
+    QString neighbour = rows[3].summary;
+    neighbour.append(u"-changed"_s);
+    EXPECT_EQ(rows[3].summary, u"\U0001F600 grin s"_s);
+    EXPECT_EQ(rows[2].summary, u"caf\u00e9 s"_s);
+    rows.clear();
+    neighbour.clear();
+    survivor.append(QString(20000, u'y'));
+    survivor.prepend(u"<"_s);
+    EXPECT_EQ(survivor, u"<caf\u00e9 s"_s + QString(20000, u'y'));
+    EXPECT_TRUE(nullTerminated(survivor));
+}
+
 namespace {
 
 HomebrewPackageSummary row(const QString& identifier,
