@@ -57,7 +57,7 @@ echo "load average: $(cut -d' ' -f1-3 /proc/loadavg), cores: $(nproc)"
 du -s --block-size=1 "$DEV" >/dev/null # warm the caches
 run_series warm "$RUNS"
 if can_drop; then
-    run_series cold 3
+    run_series cold 5
 else
     echo "cold: skipped, the page cache cannot be dropped here (needs root)"
 fi

@@ -40,7 +40,7 @@ int defaultMeasureThreadCount()
     if (const int configured = measureThreadOverride.load())
         return configured;
     const unsigned cores = std::max(1u, std::thread::hardware_concurrency());
-    return static_cast<int>(std::clamp(cores * 4, 4u, 16u));
+    return static_cast<int>(std::clamp(cores * 12, 4u, 32u));
 }
 
 namespace {
