@@ -1,5 +1,6 @@
 #include <QCryptographicHash>
 #include <functional>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -261,6 +262,13 @@ TEST(HomebrewCatalogProcessorTest, SummariesKeepEveryTextExactAndOwnTheirMemory)
     }
     json += "]}";
 
+    // Leave freed memory without a zero in it for the text blocks to reuse, so that a text
+    // missing its terminating null shows here rather than reading a lucky zero.
+    {
+        std::vector<QString> dirt;
+        for (int i = 0; i < 64; ++i)
+            dirt.emplace_back(16 * 1024, u'Z');
+    }
     QList<HomebrewPackageSummary> rows;
     {
         const auto decoded = HomebrewCatalogProcessor().summaries(HomebrewCatalogKind::cask, json, sha256(json),
