@@ -4,6 +4,7 @@
 #include <QVBoxLayout>
 
 #include "core/views/SymbolIcons.h"
+#include "core/views/TitleFont.h"
 
 namespace quillbay {
 
@@ -18,10 +19,7 @@ ComingSoonPanel::ComingSoonPanel(const QString& title, const QString& systemImag
     icon->setAlignment(Qt::AlignCenter);
     auto* heading = new QLabel(title, this);
     heading->setObjectName(QStringLiteral("comingSoonTitleLabel"));
-    QFont font = heading->font();
-    font.setPointSizeF(font.pointSizeF() * 1.4);
-    font.setBold(true);
-    heading->setFont(font);
+    setTitleFont(heading, TitleSize::panel);
     heading->setAlignment(Qt::AlignCenter);
     auto* note = new QLabel(QStringLiteral("This tool is coming in a later version."), this);
     note->setObjectName(QStringLiteral("comingSoonLabel"));

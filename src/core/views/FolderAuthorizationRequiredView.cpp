@@ -6,6 +6,7 @@
 #include <QVBoxLayout>
 
 #include "core/views/SymbolIcons.h"
+#include "core/views/TitleFont.h"
 
 namespace quillbay {
 
@@ -30,10 +31,7 @@ FolderAuthorizationRequiredView::FolderAuthorizationRequiredView(const QString& 
 
     auto* title = new QLabel(tr("Folder Authorization Required"), this);
     title->setObjectName(QStringLiteral("folderAuthorizationTitleLabel"));
-    QFont font = title->font();
-    font.setPointSizeF(font.pointSizeF() * 1.4);
-    font.setBold(true);
-    title->setFont(font);
+    setTitleFont(title, TitleSize::panel);
     title->setAlignment(Qt::AlignCenter);
     layout->addWidget(title);
 

@@ -5,6 +5,7 @@
 #include <QVBoxLayout>
 
 #include "core/views/SymbolIcons.h"
+#include "core/views/TitleFont.h"
 
 namespace quillbay {
 
@@ -28,10 +29,7 @@ UnavailablePanel::UnavailablePanel(const QString& buttonTitle, QWidget* parent)
     m_icon->setAlignment(Qt::AlignCenter);
     layout->addWidget(m_icon);
     m_title->setObjectName(QStringLiteral("unavailableTitleLabel"));
-    QFont font = m_title->font();
-    font.setPointSizeF(font.pointSizeF() * 1.4);
-    font.setBold(true);
-    m_title->setFont(font);
+    setTitleFont(m_title, TitleSize::panel);
     m_title->setAlignment(Qt::AlignCenter);
     m_title->setWordWrap(true);
     layout->addWidget(m_title);

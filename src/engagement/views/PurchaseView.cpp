@@ -5,6 +5,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "core/views/TitleFont.h"
 #include "engagement/PurchaseService.h"
 
 namespace quillbay {
@@ -51,10 +52,7 @@ PurchaseView::PurchaseView(
 
     auto* title = wrappedLabel(QStringLiteral("Support Us with a Tip 😊"), this);
     title->setObjectName(QStringLiteral("titleLabel"));
-    QFont titleFont = title->font();
-    titleFont.setBold(true);
-    titleFont.setPointSizeF(titleFont.pointSizeF() * 1.35);
-    title->setFont(titleFont);
+    setTitleFont(title, TitleSize::panel);
     layout->addWidget(title);
 
     auto* thanks = wrappedLabel(QStringLiteral("Thanks for using ") + displayName + QLatin1Char('!'), this);

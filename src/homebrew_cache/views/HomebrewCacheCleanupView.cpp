@@ -17,6 +17,7 @@
 #include "core/views/FolderAuthorizationRequiredView.h"
 #include "core/views/StatusPanels.h"
 #include "core/views/SymbolIcons.h"
+#include "core/views/TitleFont.h"
 #include "core/views/ToastOverlay.h"
 #include "core/views/UnavailablePanel.h"
 #include "foundation/ByteCount.h"
@@ -54,10 +55,7 @@ HomebrewCacheCleanupView::HomebrewCacheCleanupView(HomebrewCacheCleanupStore& st
     titleBar->setContentsMargins(16, 10, 12, 6);
     auto* title = new QLabel(tr("Cleanup"), this);
     title->setObjectName(QStringLiteral("pageTitleLabel"));
-    QFont font = title->font();
-    font.setPointSizeF(font.pointSizeF() * 1.25);
-    font.setBold(true);
-    title->setFont(font);
+    setTitleFont(title, TitleSize::screen);
     m_rescan->setObjectName(QStringLiteral("rescanToolButton"));
     m_rescan->setIcon(symbolIcon(QStringLiteral("arrow.clockwise")));
     m_rescan->setText(tr("Rescan"));

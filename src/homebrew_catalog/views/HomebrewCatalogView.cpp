@@ -14,6 +14,7 @@
 
 #include "core/views/KeyboardShortcuts.h"
 #include "core/views/SymbolIcons.h"
+#include "core/views/TitleFont.h"
 #include "core/views/UnavailablePanel.h"
 #include "homebrew_catalog/HomebrewCatalogStore.h"
 #include "homebrew_catalog/views/HomebrewCatalogColumnsPanel.h"
@@ -144,10 +145,7 @@ QWidget* HomebrewCatalogView::buildToolbar()
     row->setContentsMargins(16, 10, 12, 8);
     auto* title = new QLabel(u"Catalog"_s, bar);
     title->setObjectName(u"titleLabel"_s);
-    QFont titleFont = title->font();
-    titleFont.setBold(true);
-    titleFont.setPointSizeF(titleFont.pointSizeF() * 1.25);
-    title->setFont(titleFont);
+    setTitleFont(title, TitleSize::screen);
     row->addWidget(title);
     row->addStretch(1);
 

@@ -12,6 +12,7 @@
 #include <cstring>
 
 #include "core/views/SymbolIcons.h"
+#include "core/views/TitleFont.h"
 #include "core/views/UnavailablePanel.h"
 #include "homebrew_catalog/HomebrewCatalogStore.h"
 #include "homebrew_catalog/views/HomebrewInstalledPackageDetailSections.h"
@@ -65,10 +66,7 @@ HomebrewPackageDetailView::HomebrewPackageDetailView(HomebrewCatalogStore& store
     m_backButton->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     m_backButton->setAutoRaise(true);
     m_titleLabel->setObjectName(u"titleLabel"_s);
-    QFont titleFont = m_titleLabel->font();
-    titleFont.setBold(true);
-    titleFont.setPointSizeF(titleFont.pointSizeF() * 1.25);
-    m_titleLabel->setFont(titleFont);
+    setTitleFont(m_titleLabel, TitleSize::screen);
     m_terminalButton->setObjectName(u"terminalToolButton"_s);
     m_terminalButton->setText(u"Terminal"_s);
     m_terminalButton->setToolTip(u"Terminal"_s);

@@ -12,6 +12,7 @@
 #include "core/views/KeyboardShortcuts.h"
 #include "core/views/StatusPanels.h"
 #include "core/views/SymbolIcons.h"
+#include "core/views/TitleFont.h"
 #include "homebrew_catalog/HomebrewCatalogStore.h"
 #include "homebrew_catalog/views/HomebrewInstalledPackageDetailSections.h"
 #include "homebrew_installed/HomebrewInstalledPackagesStore.h"
@@ -67,10 +68,7 @@ HomebrewInstalledPackagesView::HomebrewInstalledPackagesView(HomebrewInstalledPa
     m_back->setAccessibleName(tr("Back"));
     m_back->setAutoRaise(true);
     m_title->setObjectName(QStringLiteral("pageTitleLabel"));
-    QFont font = m_title->font();
-    font.setPointSizeF(font.pointSizeF() * 1.25);
-    font.setBold(true);
-    m_title->setFont(font);
+    setTitleFont(m_title, TitleSize::screen);
 
     // The segmented kind picker: "Cask" then "Formula", exactly one on.
     auto* picker = new QWidget(this);

@@ -12,6 +12,7 @@
 #include "core/AppViewModel.h"
 #include "core/views/FolderAuthorizationRequiredView.h"
 #include "core/views/SymbolIcons.h"
+#include "core/views/TitleFont.h"
 #include "core/views/WidgetAlerts.h"
 #include "core/views/WidgetPickers.h"
 #include "platform/Workspace.h"
@@ -47,10 +48,7 @@ CleanupView::CleanupView(AppViewModel& viewModel, QWidget* parent)
     m_toolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     auto* title = new QLabel(QStringLiteral("Cleanup"));
     title->setObjectName(QStringLiteral("navigationTitleLabel"));
-    QFont font = title->font();
-    font.setBold(true);
-    font.setPointSizeF(font.pointSizeF() * 1.15);
-    title->setFont(font);
+    setTitleFont(title, TitleSize::screen);
     title->setContentsMargins(8, 0, 0, 0);
     m_toolBar->addWidget(title);
     auto* spacer = new QWidget;

@@ -16,6 +16,7 @@
 
 #include "core/AppViewModel.h"
 #include "core/views/SymbolIcons.h"
+#include "core/views/TitleFont.h"
 #include "platform/Workspace.h"
 #include "xcode_cleanup/views/XcodeCleanupTreeModel.h"
 
@@ -82,10 +83,7 @@ QWidget* makeEmptyState(QPushButton* rescan)
     icon->setAlignment(Qt::AlignCenter);
     auto* title = new QLabel(QStringLiteral("No Xcode Data to Clean"));
     title->setObjectName(QStringLiteral("emptyStateTitleLabel"));
-    QFont font = title->font();
-    font.setPointSizeF(font.pointSizeF() * 1.3);
-    font.setBold(true);
-    title->setFont(font);
+    setTitleFont(title, TitleSize::panel);
     title->setAlignment(Qt::AlignCenter);
     auto* text = new QLabel(QStringLiteral("No Xcode cleanup items were found in the authorized folder."));
     text->setAlignment(Qt::AlignCenter);

@@ -11,6 +11,7 @@
 
 #include "core/AppViewModel.h"
 #include "core/views/SymbolIcons.h"
+#include "core/views/TitleFont.h"
 #include "platform/Workspace.h"
 #include "xcode_releases/XcodeReleaseText.h"
 #include "xcode_releases/views/DownloadInfoPopover.h"
@@ -51,10 +52,7 @@ XcodeReleasesView::XcodeReleasesView(AppViewModel& viewModel, QWidget* parent)
     titles->setSpacing(0);
     auto* title = new QLabel(QStringLiteral("Releases"), bar);
     title->setObjectName(QStringLiteral("titleLabel"));
-    QFont titleFont = title->font();
-    titleFont.setBold(true);
-    titleFont.setPointSizeF(titleFont.pointSizeF() * 1.25);
-    title->setFont(titleFont);
+    setTitleFont(title, TitleSize::screen);
     m_subtitle->setObjectName(QStringLiteral("subtitleLabel"));
     m_subtitle->setForegroundRole(QPalette::PlaceholderText);
     titles->addWidget(title);
