@@ -252,12 +252,10 @@ QByteArray HomebrewCacheService::encodeMetadata(const Metadata& metadata)
 
 HomebrewResult<HomebrewCacheService::Metadata> HomebrewCacheService::decodeMetadata(const QByteArray& bytes)
 {
-    auto parsed = json::parse(bytes);
+    auto parsed = json::parseObject(bytes);
     if (!parsed)
         return parsed.error();
-    json::ObjectReader object(parsed.value());
-    if (!object.ok())
-        return object.error();
+    json::ObjectReader object = std::move(parsed).value();
     simdjson::dom::element fetchedAt;
     if (object.object().at_key("fetchedAt").get(fetchedAt))
         return HomebrewError::decoding(QStringLiteral("missing key fetchedAt"));
@@ -285,12 +283,10 @@ QByteArray HomebrewCacheService::encodeRefreshState(const RefreshState& state)
 
 HomebrewResult<HomebrewCacheService::RefreshState> HomebrewCacheService::decodeRefreshState(const QByteArray& bytes)
 {
-    auto parsed = json::parse(bytes);
+    auto parsed = json::parseObject(bytes);
     if (!parsed)
         return parsed.error();
-    json::ObjectReader object(parsed.value());
-    if (!object.ok())
-        return object.error();
+    json::ObjectReader object = std::move(parsed).value();
     RefreshState state;
     for (const auto& [key, target] : {std::pair {"lastCheckDate", &state.lastCheckDate},
                                       std::pair {"lastSuccessfulRefreshDate", &state.lastSuccessfulRefreshDate}}) {

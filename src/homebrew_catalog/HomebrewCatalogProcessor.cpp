@@ -199,10 +199,10 @@ HomebrewStatus checkedSnapshot(const QByteArray& bytes,
     if (HomebrewCatalogProcessor::sha256Hex(bytes) != sha256)
         return processingError(Case::checksumMismatch);
 
-    auto parsed = json::parse(bytes);
+    auto parsed = json::parseObject(bytes);
     if (!parsed)
         return parsed.error();
-    json::ObjectReader payload(parsed.value());
+    json::ObjectReader payload = std::move(parsed).value();
     qint64 schemaVersion = 0;
     QString kind;
     simdjson::dom::array packages;
@@ -244,10 +244,10 @@ HomebrewStatus checkedSnapshot(const QByteArray& bytes,
 
 HomebrewResult<HomebrewCatalogManifest> HomebrewCatalogProcessor::validatedManifest(const QByteArray& bytes) const
 {
-    auto parsed = json::parse(bytes);
+    auto parsed = json::parseObject(bytes);
     if (!parsed)
         return parsed.error();
-    json::ObjectReader object(parsed.value());
+    json::ObjectReader object = std::move(parsed).value();
     HomebrewCatalogManifest manifest;
     simdjson::dom::object source;
     simdjson::dom::object formula;

@@ -15,6 +15,17 @@ HomebrewResult<simdjson::dom::element> parse(const QByteArray& bytes)
     return element;
 }
 
+HomebrewResult<ObjectReader> parseObject(const QByteArray& bytes)
+{
+    auto parsed = parse(bytes);
+    if (!parsed)
+        return parsed.error();
+    ObjectReader object(parsed.value());
+    if (!object.ok())
+        return object.error();
+    return object;
+}
+
 ObjectReader::ObjectReader(simdjson::dom::element element, QString path)
     : m_path(std::move(path))
 {

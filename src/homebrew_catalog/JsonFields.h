@@ -79,6 +79,10 @@ private:
     QString m_message;
 };
 
+// parse() for a document whose top level must be an object: its reader, or the parse
+// error, or the error of a top level that is no object.
+HomebrewResult<ObjectReader> parseObject(const QByteArray& bytes);
+
 // An integer in the signed 64-bit range; doubles and larger unsigned values are refused.
 // Inline: every catalog row has up to three.
 inline std::optional<qint64> integerValue(simdjson::dom::element element)
