@@ -3,6 +3,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 #include "core/views/SymbolIcons.h"
@@ -39,6 +40,19 @@ void layOutErrorLine(QWidget* line, QLabel* label)
     label->setWordWrap(true);
     layout->addWidget(icon);
     layout->addWidget(label, 1);
+}
+
+CleanupFooterButtons makeCleanupFooterButtons(QWidget* parent)
+{
+    CleanupFooterButtons buttons {new QPushButton(QObject::tr("Select All"), parent),
+                                  new QPushButton(QObject::tr("Deselect All"), parent),
+                                  new QPushButton(QObject::tr("Delete..."), parent)};
+    buttons.selectAll->setObjectName(QStringLiteral("selectAllPushButton"));
+    buttons.deselectAll->setObjectName(QStringLiteral("deselectAllPushButton"));
+    buttons.deleteButton->setObjectName(QStringLiteral("deletePushButton"));
+    buttons.deleteButton->setDefault(true);
+    buttons.deleteButton->setShortcut(QKeySequence::Delete);
+    return buttons;
 }
 
 } // namespace quillbay

@@ -3,6 +3,7 @@
 #include <QString>
 
 class QLabel;
+class QPushButton;
 class QWidget;
 
 namespace quillbay {
@@ -14,5 +15,16 @@ QWidget* makeProgressPanel(const QString& text, const QString& objectName, QWidg
 // Lays out the one-line error strip over a list: a warning symbol and `label`, which the
 // screen fills and shows. Names them "errorLine" and "errorLineLabel".
 void layOutErrorLine(QWidget* line, QLabel* label);
+
+// The three buttons of a cleanup footer, named for tests ("selectAllPushButton",
+// "deselectAllPushButton", "deletePushButton"); "Delete..." is the default button and
+// answers the Delete key. The footer lays them out and wires them.
+struct CleanupFooterButtons
+{
+    QPushButton* selectAll;
+    QPushButton* deselectAll;
+    QPushButton* deleteButton;
+};
+CleanupFooterButtons makeCleanupFooterButtons(QWidget* parent);
 
 } // namespace quillbay

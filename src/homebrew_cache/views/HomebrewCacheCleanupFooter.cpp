@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QPushButton>
 
+#include "core/views/StatusPanels.h"
 #include "foundation/ByteCount.h"
 #include "homebrew_cache/HomebrewCacheCleanupStore.h"
 
@@ -14,18 +15,14 @@ HomebrewCacheCleanupFooter::HomebrewCacheCleanupFooter(HomebrewCacheCleanupStore
     , m_store(store)
     , m_total(new QLabel(this))
     , m_selected(new QLabel(this))
-    , m_selectAll(new QPushButton(tr("Select All"), this))
-    , m_deselectAll(new QPushButton(tr("Deselect All"), this))
-    , m_delete(new QPushButton(tr("Delete..."), this))
 {
     setObjectName(QStringLiteral("homebrewCacheCleanupFooter"));
     m_total->setObjectName(QStringLiteral("totalSizeLabel"));
     m_selected->setObjectName(QStringLiteral("selectedSizeLabel"));
-    m_selectAll->setObjectName(QStringLiteral("selectAllPushButton"));
-    m_deselectAll->setObjectName(QStringLiteral("deselectAllPushButton"));
-    m_delete->setObjectName(QStringLiteral("deletePushButton"));
-    m_delete->setDefault(true);
-    m_delete->setShortcut(QKeySequence::Delete);
+    const CleanupFooterButtons buttons = makeCleanupFooterButtons(this);
+    m_selectAll = buttons.selectAll;
+    m_deselectAll = buttons.deselectAll;
+    m_delete = buttons.deleteButton;
 
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(12, 8, 12, 8);

@@ -8,6 +8,7 @@
 #include <QPushButton>
 
 #include "core/AppViewModel.h"
+#include "core/views/StatusPanels.h"
 #include "foundation/ByteCount.h"
 #include "foundation/Defaults.h"
 
@@ -18,18 +19,14 @@ XcodeCleanupFooter::XcodeCleanupFooter(AppViewModel& viewModel, QWidget* parent)
     , m_viewModel(viewModel)
     , m_total(new QLabel)
     , m_selected(new QLabel)
-    , m_selectAll(new QPushButton(QStringLiteral("Select All")))
-    , m_deselectAll(new QPushButton(QStringLiteral("Deselect All")))
-    , m_delete(new QPushButton(QStringLiteral("Delete...")))
 {
     setObjectName(QStringLiteral("xcodeCleanupFooter"));
     m_total->setObjectName(QStringLiteral("totalLabel"));
     m_selected->setObjectName(QStringLiteral("selectedLabel"));
-    m_selectAll->setObjectName(QStringLiteral("selectAllPushButton"));
-    m_deselectAll->setObjectName(QStringLiteral("deselectAllPushButton"));
-    m_delete->setObjectName(QStringLiteral("deletePushButton"));
-    m_delete->setDefault(true);
-    m_delete->setShortcut(QKeySequence::Delete);
+    const CleanupFooterButtons buttons = makeCleanupFooterButtons(this);
+    m_selectAll = buttons.selectAll;
+    m_deselectAll = buttons.deselectAll;
+    m_delete = buttons.deleteButton;
 
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(12, 8, 12, 10);
