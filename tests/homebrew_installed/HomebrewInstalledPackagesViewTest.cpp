@@ -10,7 +10,6 @@
 #include <gtest/gtest.h>
 
 #include "InstalledScreenFixture.h"
-#include "core/views/FolderAuthorizationRequiredView.h"
 #include "homebrew_installed/views/HomebrewInstalledPackageTable.h"
 #include "homebrew_installed/views/HomebrewInstalledPackageTableModel.h"
 #include "homebrew_installed/views/HomebrewInstalledPackagesContent.h"
@@ -95,9 +94,6 @@ TEST_F(HomebrewInstalledPackagesViewTest, AFirstVisitGoesFromAuthorizationThroug
     showView();
     ASSERT_TRUE(waitUntil([&] { return installed->hasLoadedAuthorization(); }));
     EXPECT_EQ(state(), State::authorizationRequired);
-    auto* authorization = view->findChild<FolderAuthorizationRequiredView*>();
-    ASSERT_NE(authorization, nullptr);
-    EXPECT_TRUE(authorization->isVisible());
     EXPECT_FALSE(view->findChild<QToolButton*>(u"rescanToolButton"_s)->isEnabled());
 
     authorizeThroughPanel();
@@ -127,7 +123,6 @@ TEST_F(HomebrewInstalledPackagesViewTest, AFirstVisitGoesFromAuthorizationThroug
                   {u"localtool/"_s, u"0.1"_s, u"—"_s, u"Status Unknown"_s},
                   {u"wget/"_s, u"1.25.0"_s, u"1.25.0"_s, u"Up to Date"_s},
               }));
-    EXPECT_FALSE(view->findChild<QWidget*>(u"errorLine"_s)->isVisible());
 
     // Coming back to the screen does not scan again; only a rescan sees new folders.
     install(u"Cellar/jq/1.7.1"_s);
@@ -153,7 +148,6 @@ TEST_F(HomebrewInstalledPackagesViewTest, SearchShowsSearchingThenTheFilteredRow
         QStringList names;
     };
     const Case cases[] = {
-        {u"JSON"_s, HomebrewCatalogKind::formula, State::noSearchResults, {}}, // jq is not installed
         {u"0.1"_s, HomebrewCatalogKind::formula, State::table, {u"localtool"_s}},
         // Switching the kind under a live search shows the other filtered list at once.
         {u"0.1"_s, HomebrewCatalogKind::cask, State::noSearchResults, {}},
@@ -193,7 +187,7 @@ TEST_F(HomebrewInstalledPackagesViewTest, SearchShowsSearchingThenTheFilteredRow
     ASSERT_TRUE(waitUntil([&] { return model().rowCount() == 1; }));
 }
 
-TEST_F(HomebrewInstalledPackagesViewTest, ARootWithoutCasksShowsNoInstalledCasksAndRescanFindsNewVersions)
+TEST_F(HomebrewInstalledPackagesViewTest, ARootWithoutCasksShowsNoInstalledCasks)
 {
     publishCatalog();
     install(u"Cellar/wget/1.24.5"_s);
@@ -203,25 +197,6 @@ TEST_F(HomebrewInstalledPackagesViewTest, ARootWithoutCasksShowsNoInstalledCasks
     authorizeThroughPanel();
     EXPECT_EQ(state(), State::noPackages);
     EXPECT_EQ(panelTitle(), u"No Installed Casks"_s);
-    EXPECT_TRUE(view->findChild<QPushButton*>(u"emptyRescanPushButton"_s)->isEnabled());
-
-    installed->setSelectedKind(HomebrewCatalogKind::formula);
-    ASSERT_TRUE(waitUntil([&] { return state() == State::table && model().rowCount() == 1; }));
-
-    // A new version folder appears (an upgrade that kept the old one): only a rescan shows it.
-    install(u"Cellar/wget/1.25.0"_s);
-    EXPECT_EQ(model().rowCount(), 1);
-    QTest::mouseClick(view->findChild<QToolButton*>(u"rescanToolButton"_s), Qt::LeftButton);
-    ASSERT_TRUE(waitUntil([&] { return installedIdle() && model().rowCount() == 2; }));
-    ASSERT_TRUE(waitUntil([&] { return catalogIdle() && model().index(0, 2).data().toString() == u"1.25.0"_s; }));
-    // Both versions stand next to each other, the newer first; only it is up to date.
-    EXPECT_EQ(shownRows(),
-              (QList<QStringList> {
-                  {u"wget/"_s, u"1.25.0"_s, u"1.25.0"_s, u"Up to Date"_s},
-                  {u"wget/"_s, u"1.24.5"_s, u"1.25.0"_s, u"Possibly Outdated"_s},
-              }));
-    // The list stayed on show through the rescan.
-    EXPECT_FALSE(seen.contains(State::scanning));
 }
 
 TEST_F(HomebrewInstalledPackagesViewTest, AFailedFirstScanOffersRetryAndAFailedRescanKeepsTheTable)
@@ -240,8 +215,6 @@ TEST_F(HomebrewInstalledPackagesViewTest, AFailedFirstScanOffersRetryAndAFailedR
     EXPECT_EQ(panelTitle(), u"Failed to load data"_s);
     const auto* description = view->content()->currentWidget()->findChild<QLabel*>(u"unavailableDescriptionLabel"_s);
     EXPECT_EQ(description->text(), u"Choose a Homebrew root folder that contains bin/brew."_s);
-    EXPECT_EQ(installed->errorMessage(), description->text());
-    EXPECT_TRUE(installed->isAuthorized());
     EXPECT_TRUE(defaults->contains(installed->bookmarkKey()));
     EXPECT_FALSE(view->findChild<QWidget*>(u"errorLine"_s)->isVisible());
 
@@ -251,8 +224,8 @@ TEST_F(HomebrewInstalledPackagesViewTest, AFailedFirstScanOffersRetryAndAFailedR
 
     // Now a rescan fails: the table stays, with the error line above it.
     ASSERT_TRUE(QFile::remove(root() + u"/bin/brew"_s));
-    installed->rescan();
-    ASSERT_TRUE(waitUntil([&] { return installedIdle(); }));
+    QTest::mouseClick(view->findChild<QToolButton*>(u"rescanToolButton"_s), Qt::LeftButton);
+    ASSERT_TRUE(waitUntil([&] { return installedIdle() && installed->errorMessage().has_value(); }));
     EXPECT_EQ(state(), State::table);
     EXPECT_EQ(model().rowCount(), 1);
     EXPECT_TRUE(view->findChild<QWidget*>(u"errorLine"_s)->isVisible());
@@ -266,17 +239,11 @@ TEST_F(HomebrewInstalledPackagesViewTest, RemovingTheAuthorizationForgetsTheRoot
     ASSERT_TRUE(waitUntil([&] { return installedIdle() && model().rowCount() == 1; }));
 
     HomebrewInstalledSettingsSection settings(*installed);
-    EXPECT_EQ(settings.findChild<QLabel*>(u"homebrewRootLabel"_s)->text(), root());
-    auto* remove = settings.findChild<QPushButton*>(u"removeAuthorizationPushButton"_s);
-    ASSERT_TRUE(remove->isEnabled());
-    remove->click();
+    settings.findChild<QPushButton*>(u"removeAuthorizationPushButton"_s)->click();
 
     EXPECT_EQ(state(), State::authorizationRequired);
     EXPECT_EQ(model().rowCount(), 0);
     EXPECT_TRUE(view->findChild<QLineEdit*>(u"searchLineEdit"_s)->text().isEmpty());
-    EXPECT_FALSE(view->findChild<QToolButton*>(u"rescanToolButton"_s)->isEnabled());
-    EXPECT_EQ(settings.findChild<QLabel*>(u"homebrewRootLabel"_s)->text(), u"Not Selected"_s);
-    EXPECT_FALSE(remove->isEnabled());
     EXPECT_FALSE(defaults->contains(installed->bookmarkKey()));
     EXPECT_TRUE(QFileInfo::exists(root() + u"/Caskroom/firefox/128.0"_s));
     EXPECT_TRUE(QFileInfo::exists(root() + u"/bin/brew"_s));
