@@ -189,31 +189,6 @@ TEST_F(HomebrewInstalledPackagesStoreTest, ADamagedBookmarkIsReportedAndDropped)
     }
 }
 
-// Unlike a dead bookmark, a folder that is only closed may open again: the key stays.
-TEST_F(HomebrewInstalledPackagesStoreTest, AStaleBookmarkOfAClosedFolderIsDeniedAndKept)
-{
-    const auto before = HomebrewInstallationBookmarkService().makeRootBookmark(m_root);
-    ASSERT_TRUE(std::holds_alternative<QByteArray>(before));
-    m_defaults->setValue(kKey, std::get<QByteArray>(before));
-    m_defaults->sync();
-    // A new folder at the same path; the old one is kept so its inode is not reused.
-    ASSERT_TRUE(QDir().rename(m_root, m_root + u".old"_s));
-    m_tree.mkdir(u"brew"_s);
-    m_tree.chmod(u"brew"_s, 0);
-
-    auto store = makeStore();
-    {
-        const UnprivilegedUser user;
-        if (!user.permissionsApply())
-            GTEST_SKIP() << "cannot drop root privileges to close a folder: " << user.failure().toStdString();
-        store->start({});
-        ASSERT_TRUE(waitUntil([&] { return store->hasLoadedAuthorization() && idle(*store); }));
-    }
-    EXPECT_FALSE(store->isAuthorized());
-    EXPECT_EQ(store->errorMessage(), u"The Homebrew folder could not be accessed."_s);
-    EXPECT_EQ(m_defaults->dataValue(kKey), std::get<QByteArray>(before));
-}
-
 TEST_F(HomebrewInstalledPackagesStoreTest, AFolderChosenWhileTheDeadBookmarkIsRestoredStands)
 {
     // The restore, the scan and the save run on different executors, so their results may
@@ -235,7 +210,7 @@ TEST_F(HomebrewInstalledPackagesStoreTest, AFolderChosenWhileTheDeadBookmarkIsRe
     }
 }
 
-TEST_F(HomebrewInstalledPackagesStoreTest, AStaleBookmarkIsRenewedInTheDefaultsOnRestore)
+TEST_F(HomebrewInstalledPackagesStoreTest, AStaleBookmarkIsKeptWhileClosedAndRenewedOnceOpen)
 {
     {
         auto store = makeStore();
@@ -243,12 +218,29 @@ TEST_F(HomebrewInstalledPackagesStoreTest, AStaleBookmarkIsRenewedInTheDefaultsO
         authorizeThroughPanel(*store);
     }
     const QByteArray before = m_defaults->dataValue(kKey);
-    // A new folder at the same path (reinstalled Homebrew): the old bookmark goes stale.
+    // A new folder at the same path (reinstalled Homebrew): the old bookmark goes stale. The
+    // old folder is kept so its inode is not reused.
     ASSERT_TRUE(QDir().rename(m_root, m_root + u".old"_s));
     m_tree.writeFile(u"brew/bin/brew"_s, "#!/bin/sh\n");
     m_tree.mkdir(u"brew/Cellar/wget/2.0"_s);
     ASSERT_TRUE(FolderBookmark::resolve(before)->isStale);
 
+    // Unlike a dead bookmark, a folder that is only closed may open again: the key stays.
+    m_tree.chmod(u"brew"_s, 0);
+    m_defaults->sync();
+    {
+        auto store = makeStore();
+        const UnprivilegedUser user;
+        if (!user.permissionsApply())
+            GTEST_SKIP() << "cannot drop root privileges to close a folder: " << user.failure().toStdString();
+        store->start({});
+        ASSERT_TRUE(waitUntil([&] { return store->hasLoadedAuthorization() && idle(*store); }));
+        EXPECT_FALSE(store->isAuthorized());
+        EXPECT_EQ(store->errorMessage(), u"The Homebrew folder could not be accessed."_s);
+    }
+    EXPECT_EQ(m_defaults->dataValue(kKey), before);
+
+    m_tree.chmod(u"brew"_s, 0755);
     auto store = makeStore();
     store->start({});
     // The rows of the new folder show that the renewed bookmark led to it.
