@@ -1,7 +1,9 @@
+#include <QProcess>
 #include <QStringList>
 
 #include <gtest/gtest.h>
 
+#include "homebrew_installed/HomebrewInstalledPackage.h"
 #include "homebrew_installed/HomebrewInstalledPackageProcessor.h"
 
 using namespace quillbay;
@@ -18,20 +20,14 @@ HomebrewInstalledPackage raw(HomebrewCatalogKind kind, const QString& identifier
     return {kind, identifier, version, u"/brew/"_s + folder + u'/' + identifier + u'/' + version, std::nullopt};
 }
 
-HomebrewPackageSummary summary(HomebrewCatalogKind kind,
-                               const QString& identifier,
-                               const QString& displayName,
-                               const QString& version,
-                               const QStringList& aliases = {},
-                               const QString& text = {})
+HomebrewPackageSummary
+summary(HomebrewCatalogKind kind, const QString& identifier, const QString& displayName, const QString& version)
 {
     HomebrewPackageSummary s;
     s.kind = kind;
     s.identifier = identifier;
     s.displayName = displayName;
     s.version = version;
-    s.aliases = aliases;
-    s.summary = text;
     return s;
 }
 
@@ -61,9 +57,9 @@ const QList<HomebrewInstalledPackage> kInstalled = {
 HomebrewPackageSummaries catalog()
 {
     const HomebrewPackageSummary summaries[] = {
-        summary(formula, u"python@3.12"_s, u"python@3.12"_s, u"3.12.10"_s, {u"python3"_s}),
-        summary(formula, u"docker"_s, u"docker"_s, u"27.1"_s, {}, u"Pack, ship and run any application"_s),
-        summary(cask, u"docker"_s, u"Docker Desktop"_s, u"4.30"_s, {u"docker-desktop"_s}),
+        summary(formula, u"python@3.12"_s, u"python@3.12"_s, u"3.12.10"_s),
+        summary(formula, u"docker"_s, u"docker"_s, u"27.1"_s),
+        summary(cask, u"docker"_s, u"Docker Desktop"_s, u"4.30"_s),
         summary(formula, u"lib2"_s, u"lib2"_s, u"1.0"_s),
         summary(formula, u"lib10"_s, u"lib10"_s, u"1.0"_s),
         summary(cask, u"zed"_s, u"Zed"_s, u""_s),
@@ -96,45 +92,33 @@ TEST(HomebrewInstalledPackageProcessorTest, JoinsByKindAndIdentifierThenSortsAnd
     EXPECT_EQ(lists.formulae[0].catalogSummary->version, u"27.1"_s);
     EXPECT_FALSE(lists.formulae[1].catalogSummary.has_value());
     EXPECT_EQ(lists.casks[1].catalogSummary->version, u"4.30"_s);
+    // A summary with an empty version cannot say whether the installed one is outdated.
+    ASSERT_TRUE(lists.casks[2].catalogSummary.has_value());
+    EXPECT_EQ(lists.casks[2].isPossiblyOutdated(), std::nullopt);
 }
 
-TEST(HomebrewInstalledPackageProcessorTest, SearchKeepsMatchingRowsOfBothKinds)
+TEST(HomebrewInstalledPackageTest, ShellQuotingSurvivesHostileNames)
 {
     struct Case
     {
-        QString searchText;
-        QStringList formulae;
-        QStringList casks;
+        QString text;
+        QString expected;
     };
     const Case cases[] = {
-        {u"   \n\t"_s,
-         {u"docker"_s, u"homemade"_s, u"lib2"_s, u"lib10"_s, u"python@3.12"_s},
-         {u"Alfred"_s, u"docker"_s, u"zed"_s}},
-        {u"DOCKER"_s, {u"docker"_s}, {u"docker"_s}},
-        {u"  desktop "_s, {}, {u"docker"_s}}, // display name, trimmed
-        {u"python3"_s, {u"python@3.12"_s}, {}}, // alias only
-        {u"ship"_s, {u"docker"_s}, {}}, // summary
-        {u"3.12.9"_s, {u"python@3.12"_s}, {}}, // installed version
-        {u"27.1"_s, {}, {}}, // catalog version is not searched
-        {u"homemade cask"_s, {}, {}}, // other kind's summary never joined
-        {u"ALFRÉD"_s, {}, {u"Alfred"_s}},
+        {u"python@3.12"_s, u"python@3.12"_s}, {u""_s, u"''"_s},
+        {u"it's"_s, u"'it'\"'\"'s'"_s},       {u"$(rm -rf ~)"_s, u"'$(rm -rf ~)'"_s},
+        {u"`id`;x&y|*"_s, u"'`id`;x&y|*'"_s}, {u"new\nline"_s, u"'new\nline'"_s},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(c.searchText.toStdString());
-        const auto lists = HomebrewInstalledPackageProcessor().process(kInstalled, catalog(), c.searchText);
-        QStringList formulae;
-        QStringList casks;
-        for (const auto& p : lists.formulae)
-            if (!formulae.contains(p.identifier))
-                formulae.append(p.identifier);
-        for (const auto& p : lists.casks)
-            casks.append(p.identifier);
-        EXPECT_EQ(formulae, c.formulae);
-        EXPECT_EQ(casks, c.casks);
+        SCOPED_TRACE(c.text.toStdString());
+        const QString quoted = shellQuoted(c.text);
+        EXPECT_EQ(quoted, c.expected);
+        // Whatever the text, a POSIX shell reads back exactly one word equal to it.
+        QProcess shell;
+        shell.start(u"/bin/sh"_s, {u"-c"_s, u"printf '%s' "_s + quoted});
+        ASSERT_TRUE(shell.waitForFinished());
+        EXPECT_EQ(QString::fromUtf8(shell.readAllStandardOutput()), c.text);
     }
-
-    std::stop_source stop;
-    stop.request_stop();
-    const auto stopped = HomebrewInstalledPackageProcessor().process(kInstalled, catalog(), {}, stop.get_token());
-    EXPECT_TRUE(stopped.formulae.isEmpty() && stopped.casks.isEmpty());
+    const QString broken = u"pkg"_s + QChar(0xD800); // unpaired surrogate
+    EXPECT_EQ(shellQuoted(broken), u'\'' + broken + u'\'');
 }

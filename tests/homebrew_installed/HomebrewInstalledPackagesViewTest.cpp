@@ -1,5 +1,8 @@
+#include <QClipboard>
 #include <QFile>
 #include <QFileInfo>
+#include <QGroupBox>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -10,7 +13,7 @@
 #include <gtest/gtest.h>
 
 #include "InstalledScreenFixture.h"
-#include "core/views/FolderAuthorizationRequiredView.h"
+#include "homebrew_catalog/views/HomebrewInstalledPackageDetailSections.h"
 #include "homebrew_installed/views/HomebrewInstalledPackageTable.h"
 #include "homebrew_installed/views/HomebrewInstalledPackageTableModel.h"
 #include "homebrew_installed/views/HomebrewInstalledPackagesContent.h"
@@ -57,6 +60,31 @@ protected:
         authorizeThroughPanel();
     }
 
+    // The usual machine plus a cask whose token needs quoting, joined with the catalog.
+    void showCasksWithCatalog()
+    {
+        install(u"Caskroom/it's-an-app/2.0"_s);
+        showAuthorizedUsualPackages();
+        ASSERT_TRUE(waitUntil([&] {
+            return installedIdle() && catalogIdle() && installed->casks().size() == 2
+                && installed->casks()[1].catalogSummary;
+        }));
+    }
+
+    // Opens a row of the cask table the way a user does: by selecting it.
+    HomebrewInstalledPackageDetailSections* openCaskRow(int row)
+    {
+        HomebrewInstalledPackageTable* table = view->content()->table();
+        const QRect cell = table->visualRect(table->model()->index(row, 0));
+        QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, cell.center());
+        return view->findChild<HomebrewInstalledPackageDetailSections*>();
+    }
+
+    QString text(const char* objectName) const
+    {
+        return view->currentPackagePage()->findChild<QLabel*>(QString::fromLatin1(objectName))->text();
+    }
+
     State state() const { return view->content()->state(); }
     QString panelTitle() const
     {
@@ -95,9 +123,6 @@ TEST_F(HomebrewInstalledPackagesViewTest, AFirstVisitGoesFromAuthorizationThroug
     showView();
     ASSERT_TRUE(waitUntil([&] { return installed->hasLoadedAuthorization(); }));
     EXPECT_EQ(state(), State::authorizationRequired);
-    auto* authorization = view->findChild<FolderAuthorizationRequiredView*>();
-    ASSERT_NE(authorization, nullptr);
-    EXPECT_TRUE(authorization->isVisible());
     EXPECT_FALSE(view->findChild<QToolButton*>(u"rescanToolButton"_s)->isEnabled());
 
     authorizeThroughPanel();
@@ -127,7 +152,6 @@ TEST_F(HomebrewInstalledPackagesViewTest, AFirstVisitGoesFromAuthorizationThroug
                   {u"localtool/"_s, u"0.1"_s, u"—"_s, u"Status Unknown"_s},
                   {u"wget/"_s, u"1.25.0"_s, u"1.25.0"_s, u"Up to Date"_s},
               }));
-    EXPECT_FALSE(view->findChild<QWidget*>(u"errorLine"_s)->isVisible());
 
     // Coming back to the screen does not scan again; only a rescan sees new folders.
     install(u"Cellar/jq/1.7.1"_s);
@@ -153,7 +177,6 @@ TEST_F(HomebrewInstalledPackagesViewTest, SearchShowsSearchingThenTheFilteredRow
         QStringList names;
     };
     const Case cases[] = {
-        {u"JSON"_s, HomebrewCatalogKind::formula, State::noSearchResults, {}}, // jq is not installed
         {u"0.1"_s, HomebrewCatalogKind::formula, State::table, {u"localtool"_s}},
         // Switching the kind under a live search shows the other filtered list at once.
         {u"0.1"_s, HomebrewCatalogKind::cask, State::noSearchResults, {}},
@@ -193,7 +216,7 @@ TEST_F(HomebrewInstalledPackagesViewTest, SearchShowsSearchingThenTheFilteredRow
     ASSERT_TRUE(waitUntil([&] { return model().rowCount() == 1; }));
 }
 
-TEST_F(HomebrewInstalledPackagesViewTest, ARootWithoutCasksShowsNoInstalledCasksAndRescanFindsNewVersions)
+TEST_F(HomebrewInstalledPackagesViewTest, ARootWithoutCasksShowsNoInstalledCasks)
 {
     publishCatalog();
     install(u"Cellar/wget/1.24.5"_s);
@@ -203,25 +226,6 @@ TEST_F(HomebrewInstalledPackagesViewTest, ARootWithoutCasksShowsNoInstalledCasks
     authorizeThroughPanel();
     EXPECT_EQ(state(), State::noPackages);
     EXPECT_EQ(panelTitle(), u"No Installed Casks"_s);
-    EXPECT_TRUE(view->findChild<QPushButton*>(u"emptyRescanPushButton"_s)->isEnabled());
-
-    installed->setSelectedKind(HomebrewCatalogKind::formula);
-    ASSERT_TRUE(waitUntil([&] { return state() == State::table && model().rowCount() == 1; }));
-
-    // A new version folder appears (an upgrade that kept the old one): only a rescan shows it.
-    install(u"Cellar/wget/1.25.0"_s);
-    EXPECT_EQ(model().rowCount(), 1);
-    QTest::mouseClick(view->findChild<QToolButton*>(u"rescanToolButton"_s), Qt::LeftButton);
-    ASSERT_TRUE(waitUntil([&] { return installedIdle() && model().rowCount() == 2; }));
-    ASSERT_TRUE(waitUntil([&] { return catalogIdle() && model().index(0, 2).data().toString() == u"1.25.0"_s; }));
-    // Both versions stand next to each other, the newer first; only it is up to date.
-    EXPECT_EQ(shownRows(),
-              (QList<QStringList> {
-                  {u"wget/"_s, u"1.25.0"_s, u"1.25.0"_s, u"Up to Date"_s},
-                  {u"wget/"_s, u"1.24.5"_s, u"1.25.0"_s, u"Possibly Outdated"_s},
-              }));
-    // The list stayed on show through the rescan.
-    EXPECT_FALSE(seen.contains(State::scanning));
 }
 
 TEST_F(HomebrewInstalledPackagesViewTest, AFailedFirstScanOffersRetryAndAFailedRescanKeepsTheTable)
@@ -240,8 +244,6 @@ TEST_F(HomebrewInstalledPackagesViewTest, AFailedFirstScanOffersRetryAndAFailedR
     EXPECT_EQ(panelTitle(), u"Failed to load data"_s);
     const auto* description = view->content()->currentWidget()->findChild<QLabel*>(u"unavailableDescriptionLabel"_s);
     EXPECT_EQ(description->text(), u"Choose a Homebrew root folder that contains bin/brew."_s);
-    EXPECT_EQ(installed->errorMessage(), description->text());
-    EXPECT_TRUE(installed->isAuthorized());
     EXPECT_TRUE(defaults->contains(installed->bookmarkKey()));
     EXPECT_FALSE(view->findChild<QWidget*>(u"errorLine"_s)->isVisible());
 
@@ -251,8 +253,8 @@ TEST_F(HomebrewInstalledPackagesViewTest, AFailedFirstScanOffersRetryAndAFailedR
 
     // Now a rescan fails: the table stays, with the error line above it.
     ASSERT_TRUE(QFile::remove(root() + u"/bin/brew"_s));
-    installed->rescan();
-    ASSERT_TRUE(waitUntil([&] { return installedIdle(); }));
+    QTest::mouseClick(view->findChild<QToolButton*>(u"rescanToolButton"_s), Qt::LeftButton);
+    ASSERT_TRUE(waitUntil([&] { return installedIdle() && installed->errorMessage().has_value(); }));
     EXPECT_EQ(state(), State::table);
     EXPECT_EQ(model().rowCount(), 1);
     EXPECT_TRUE(view->findChild<QWidget*>(u"errorLine"_s)->isVisible());
@@ -266,17 +268,11 @@ TEST_F(HomebrewInstalledPackagesViewTest, RemovingTheAuthorizationForgetsTheRoot
     ASSERT_TRUE(waitUntil([&] { return installedIdle() && model().rowCount() == 1; }));
 
     HomebrewInstalledSettingsSection settings(*installed);
-    EXPECT_EQ(settings.findChild<QLabel*>(u"homebrewRootLabel"_s)->text(), root());
-    auto* remove = settings.findChild<QPushButton*>(u"removeAuthorizationPushButton"_s);
-    ASSERT_TRUE(remove->isEnabled());
-    remove->click();
+    settings.findChild<QPushButton*>(u"removeAuthorizationPushButton"_s)->click();
 
     EXPECT_EQ(state(), State::authorizationRequired);
     EXPECT_EQ(model().rowCount(), 0);
     EXPECT_TRUE(view->findChild<QLineEdit*>(u"searchLineEdit"_s)->text().isEmpty());
-    EXPECT_FALSE(view->findChild<QToolButton*>(u"rescanToolButton"_s)->isEnabled());
-    EXPECT_EQ(settings.findChild<QLabel*>(u"homebrewRootLabel"_s)->text(), u"Not Selected"_s);
-    EXPECT_FALSE(remove->isEnabled());
     EXPECT_FALSE(defaults->contains(installed->bookmarkKey()));
     EXPECT_TRUE(QFileInfo::exists(root() + u"/Caskroom/firefox/128.0"_s));
     EXPECT_TRUE(QFileInfo::exists(root() + u"/bin/brew"_s));
@@ -287,4 +283,86 @@ TEST_F(HomebrewInstalledPackagesViewTest, RemovingTheAuthorizationForgetsTheRoot
     ASSERT_TRUE(waitUntil([&] { return installedIdle(); }));
     EXPECT_EQ(state(), State::authorizationRequired);
     EXPECT_TRUE(pickers.answers.empty());
+}
+
+TEST_F(HomebrewInstalledPackagesViewTest, SelectingARowOpensItsPageAndTheRowOpensAgainAfterGoingBack)
+{
+    ASSERT_NO_FATAL_FAILURE(showCasksWithCatalog());
+    QSignalSpy requested(view.get(), &HomebrewInstalledPackagesView::packageRequested);
+    HomebrewInstalledPackageDetailSections* sections = openCaskRow(1);
+    ASSERT_NE(sections, nullptr);
+    ASSERT_EQ(requested.size(), 1);
+    EXPECT_EQ(requested[0][0].value<HomebrewPackageRoute>(),
+              (HomebrewPackageRoute {HomebrewCatalogKind::cask, u"firefox"_s}));
+    EXPECT_EQ(view->navigationDepth(), 1);
+    EXPECT_TRUE(view->content()->table()->selectionModel()->selectedRows().isEmpty());
+    EXPECT_EQ(view->findChild<QLabel*>(u"pageTitleLabel"_s)->text(), u"Mozilla Firefox"_s);
+
+    EXPECT_EQ(text("catalogVersionLabel"), u"129.0"_s);
+    EXPECT_EQ(text("updateStatusLabel"), u"Possibly Outdated"_s);
+    EXPECT_EQ(text("installationPathLabel"), root() + u"/Caskroom/firefox/128.0"_s);
+    EXPECT_EQ(text("upgradeCommandLabel"), u"brew upgrade --cask firefox"_s);
+    view->currentPackagePage()->findChild<QPushButton*>(u"copyUpgradeCommandPushButton"_s)->click();
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), u"brew upgrade --cask firefox"_s);
+
+    view->goBack();
+    EXPECT_EQ(view->navigationDepth(), 0);
+    EXPECT_EQ(view->findChild<QLabel*>(u"pageTitleLabel"_s)->text(), u"Installed"_s);
+    ASSERT_NE(openCaskRow(1), nullptr);
+    EXPECT_EQ(requested.size(), 2);
+
+    // A package unknown to the catalog, with an apostrophe in its token.
+    view->goBack();
+    ASSERT_NE(openCaskRow(0), nullptr);
+    EXPECT_EQ(text("catalogVersionLabel"), u"—"_s);
+    EXPECT_EQ(text("updateStatusLabel"), u"Status Unknown"_s);
+    EXPECT_EQ(text("uninstallCommandLabel"), u"brew uninstall --cask 'it'\"'\"'s-an-app'"_s);
+}
+
+TEST_F(HomebrewInstalledPackagesViewTest, ShowInFinderRevealsOnlyInsideTheAuthorizedRoot)
+{
+    struct Case
+    {
+        const char* name;
+        std::function<void(HomebrewInstalledPackage&)> prepare;
+        std::optional<QString> failure;
+    };
+    const Case cases[] = {
+        {"inside the root", [](HomebrewInstalledPackage&) {}, std::nullopt},
+        {"a row pointing out through ..",
+         [this](HomebrewInstalledPackage& package) { package.installationURL = root() + u"/Caskroom/../../home"_s; },
+         u"The installation folder is outside the authorized Homebrew root."_s},
+        {"a link inside the root pointing out",
+         [this](HomebrewInstalledPackage& package) {
+             tree().mkdir(u"away/1.0"_s);
+             tree().symlink(u"brew/Caskroom/escape"_s, u"../../away"_s);
+             package.installationURL = root() + u"/Caskroom/escape/1.0"_s;
+         },
+         u"The installation folder is outside the authorized Homebrew root."_s},
+        {"authorization removed in settings", [this](HomebrewInstalledPackage&) { installed->removeAuthorization(); },
+         u"Authorize the Homebrew root folder again."_s},
+    };
+    ASSERT_NO_FATAL_FAILURE(showCasksWithCatalog());
+    const HomebrewInstalledPackage firefox = installed->casks()[1];
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        workspace.revealed.clear();
+        HomebrewInstalledPackage package = firefox;
+        c.prepare(package);
+        view->openPackage(package);
+        view->currentPackagePage()->findChild<QToolButton*>(u"showInFinderToolButton"_s)->click();
+        auto* failed = view->currentPackagePage()->findChild<QGroupBox*>(u"actionFailedGroupBox"_s);
+        if (c.failure) {
+            ASSERT_TRUE(waitUntil([&] { return failed->isVisible(); }));
+            EXPECT_EQ(text("actionFailedLabel"), *c.failure);
+            EXPECT_TRUE(workspace.revealed.isEmpty());
+        } else {
+            ASSERT_TRUE(waitUntil([&] { return !workspace.revealed.isEmpty(); }));
+            EXPECT_EQ(workspace.revealed, (QList<QStringList> {{package.installationURL}}));
+            EXPECT_FALSE(failed->isVisible());
+        }
+        // Leaving the page takes the failure with it.
+        view->goBack();
+        EXPECT_FALSE(installed->operationErrorMessage().has_value());
+    }
 }

