@@ -76,50 +76,29 @@ TEST(ArchiveReaderTest, BrokenArchivesAreLeftOutWithTheirLogLine)
 {
     test::TempTree tree;
     Builder builder(tree.path(u"Developer"_qs));
-    struct Case
-    {
-        const char* what;
-        std::function<void(Builder::Archive&)> edit;
-        const char* logLine; // null: left out silently
-    };
-    const Case cases[] = {
-        {"no name", [](Builder::Archive& a) { a.name.reset(); }, "XcodeFileManager: 无法从存档中读取到项目名称: "},
-        {"no build", [](Builder::Archive& a) { a.build.reset(); }, "XcodeFileManager: 无法从存档中获取包构建: "},
-        {"wrong extension", [](Builder::Archive& a) { a.bundleFileName = u"App.xcarchive.zip"_qs; }, nullptr},
-    };
-    int n = 0;
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
-        Builder::Archive spec;
-        spec.bundleFileName = QStringLiteral("Broken %1.xcarchive").arg(++n);
-        c.edit(spec);
-        test::LogCapture log;
-        EXPECT_FALSE(readArchive(builder.addArchive(spec)));
-        if (c.logLine)
-            EXPECT_TRUE(log.contains(QString::fromUtf8(c.logLine)));
-        else
-            EXPECT_TRUE(log.messages().isEmpty());
-    }
-
-    // A plist that is cut short (in either form), a non-string build, properties under
-    // another key, and no plist at all: all left out.
+    Builder::Archive noName;
+    noName.name.reset();
+    Builder::Archive noBuild;
+    noBuild.build.reset();
     const QByteArray good = Builder::archiveInfoPlist({});
     QByteArray wrongType = good;
     wrongType.replace("<key>CFBundleVersion</key>\n\t\t<string>45</string>",
                       "<key>CFBundleVersion</key>\n\t\t<integer>45</integer>");
     ASSERT_NE(wrongType, good);
-    QByteArray propertiesText = good;
-    propertiesText.replace("<key>ApplicationProperties</key>", "<key>ApplicationPropertiesMoved</key>");
+    QByteArray propertiesMoved = good;
+    propertiesMoved.replace("<key>ApplicationProperties</key>", "<key>ApplicationPropertiesMoved</key>");
     const struct
     {
         const char* name;
         QByteArray bytes;
         const char* logLine;
     } files[] = {
+        {"noname.xcarchive", Builder::archiveInfoPlist(noName), "XcodeFileManager: 无法从存档中读取到项目名称: "},
+        {"nobuild.xcarchive", Builder::archiveInfoPlist(noBuild), "XcodeFileManager: 无法从存档中获取包构建: "},
         {"cut.xcarchive", good.left(good.size() / 2), "XcodeFileManager: 无法打开存档中的 Info.plist 文件: "},
         {"cutbinary.xcarchive", toBinary(good).left(40), "XcodeFileManager: 无法打开存档中的 Info.plist 文件: "},
         {"nonstring.xcarchive", wrongType, "XcodeFileManager: 无法从存档中获取包构建: "},
-        {"noproperties.xcarchive", propertiesText,
+        {"noproperties.xcarchive", propertiesMoved,
          "XcodeFileManager: 无法从存档的 Info.plist 文件中获取 Ap\u200b\u200bplicationProperties: "},
     };
     for (const auto& f : files) {
@@ -128,6 +107,12 @@ TEST(ArchiveReaderTest, BrokenArchivesAreLeftOutWithTheirLogLine)
         EXPECT_FALSE(
             readArchive(builder.addArchiveWithInfoPlist(u"2024-02-02"_qs, QString::fromLatin1(f.name), f.bytes)));
         EXPECT_TRUE(log.contains(QString::fromUtf8(f.logLine)));
+    }
+    {
+        // A bundle without the archive extension is left out silently.
+        test::LogCapture log;
+        EXPECT_FALSE(readArchive(builder.addArchiveWithInfoPlist(u"2024-02-02"_qs, u"App.xcarchive.zip"_qs, good)));
+        EXPECT_TRUE(log.messages().isEmpty());
     }
     test::LogCapture log;
     EXPECT_FALSE(readArchive(builder.mkdir(u"Xcode/Archives/2024-02-03/empty.xcarchive"_qs)));
