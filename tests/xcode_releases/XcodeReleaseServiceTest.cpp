@@ -92,47 +92,43 @@ TEST(XcodeReleaseServiceTest, StatusAndBodyDecideAndOnlyGoodFeedsReachTheCache)
 
 TEST(XcodeReleaseServiceTest, AnswersThatAreNotHTTPAreRefused)
 {
-    TempTree tree;
-    const QString cachePath = tree.writeFile(QStringLiteral("xcodereleases.json"), "previous bytes");
-    SerialExecutor<CacheManager> cache(std::make_unique<CacheManager>(cachePath));
-
+    Fixture f;
     // A transport that answers without any HTTP exchange.
     int loads = 0;
-    XcodeReleaseService injected(QUrl(QStringLiteral("https://feed.invalid/data.json")), cache, [&loads](const QUrl&) {
-        ++loads;
-        QPromise<XcodeReleaseLoadResult> promise;
-        promise.start();
-        promise.addResult(XcodeReleaseLoadResult {XcodeReleaseResponse {smallFeed(), std::nullopt}, {}});
-        promise.finish();
-        return promise.future();
-    });
+    XcodeReleaseService injected(
+        QUrl(QStringLiteral("https://feed.invalid/data.json")), f.cache, [&loads](const QUrl&) {
+            ++loads;
+            QPromise<XcodeReleaseLoadResult> promise;
+            promise.start();
+            promise.addResult(XcodeReleaseLoadResult {XcodeReleaseResponse {smallFeed(), std::nullopt}, {}});
+            promise.finish();
+            return promise.future();
+        });
     const XcodeReleaseFetchResult result = fetch(injected);
     EXPECT_EQ(loads, 1);
     EXPECT_EQ(result.serviceError, XcodeReleaseServiceError::invalidResponse());
-
-    EXPECT_EQ(readAll(cachePath), QByteArray("previous bytes"));
+    EXPECT_EQ(readAll(f.cachePath), QByteArray("previous bytes"));
 }
 
 TEST(XcodeReleaseServiceTest, TransportFailuresPassThroughUnchanged)
 {
-    TempTree tree;
-    const QString cachePath = tree.writeFile(QStringLiteral("xcodereleases.json"), "previous bytes");
-    SerialExecutor<CacheManager> cache(std::make_unique<CacheManager>(cachePath));
+    Fixture f;
     // A port that was listening a moment ago and is closed now: connection refused.
     QTcpServer probe;
     ASSERT_TRUE(probe.listen(QHostAddress::LocalHost));
     const QUrl closed(QStringLiteral("http://127.0.0.1:%1/data.json").arg(probe.serverPort()));
     probe.close();
-    auto service = XcodeReleaseService::createWithNetwork(closed, cache);
+    auto service = XcodeReleaseService::createWithNetwork(closed, f.cache);
     const XcodeReleaseFetchResult result = fetch(*service);
     EXPECT_FALSE(result.succeeded());
     EXPECT_FALSE(result.serviceError.has_value());
     ASSERT_TRUE(result.transportError.has_value());
     EXPECT_FALSE(result.transportError->isEmpty());
-    EXPECT_EQ(readAll(cachePath), QByteArray("previous bytes"));
+    EXPECT_EQ(readAll(f.cachePath), QByteArray("previous bytes"));
 
     // Under test the public feed is never called, whatever the address.
-    auto publicService = XcodeReleaseService::createWithNetwork(QUrl(QStringLiteral(QUILLBAY_RELEASE_FEED_URL)), cache);
+    auto publicService
+        = XcodeReleaseService::createWithNetwork(QUrl(QStringLiteral(QUILLBAY_RELEASE_FEED_URL)), f.cache);
     EXPECT_TRUE(fetch(*publicService).transportError.has_value());
 }
 
