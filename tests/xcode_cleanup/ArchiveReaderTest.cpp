@@ -1,5 +1,3 @@
-#include <QDir>
-#include <QFile>
 #include <QLocale>
 
 #include <gtest/gtest.h>
@@ -9,7 +7,6 @@
 #include "testsupport/DeveloperTreeBuilder.h"
 #include "testsupport/LogCapture.h"
 #include "testsupport/TempTree.h"
-#include "testsupport/TestEnvironment.h"
 #include "xcode_cleanup/ArchiveReader.h"
 
 using namespace quillbay;
@@ -43,11 +40,8 @@ TEST(ArchiveReaderTest, SubmissionStatusLabelAndIconInBothPlistForms)
     };
     const Case cases[] = {
         {"no distributions", std::nullopt, SubmissionStatus::undefined, std::nullopt},
-        {"empty distributions", QStringList {}, SubmissionStatus::failure, Icon::system(u"xmark"_qs)},
         {"failed then success", QStringList {u"failed"_qs, u"success"_qs}, SubmissionStatus::success,
          Icon::system(u"checkmark"_qs)},
-        {"without upload event", QStringList {QString(), u"failed"_qs}, SubmissionStatus::failure,
-         Icon::system(u"xmark"_qs)},
         {"upload event only", QStringList {QString()}, SubmissionStatus::failure, Icon::system(u"xmark"_qs)},
     };
     test::TempTree tree;
@@ -82,58 +76,29 @@ TEST(ArchiveReaderTest, BrokenArchivesAreLeftOutWithTheirLogLine)
 {
     test::TempTree tree;
     Builder builder(tree.path(u"Developer"_qs));
-    struct Case
-    {
-        const char* what;
-        std::function<void(Builder::Archive&)> edit;
-        const char* logLine; // null: left out silently
-    };
-    const Case cases[] = {
-        {"no name", [](Builder::Archive& a) { a.name.reset(); }, "XcodeFileManager: 无法从存档中读取到项目名称: "},
-        {"no date", [](Builder::Archive& a) { a.creationDate.reset(); },
-         "XcodeFileManager: 无法从存档中读取到构建时间: "},
-        {"no identifier", [](Builder::Archive& a) { a.bundleIdentifier.reset(); },
-         "XcodeFileManager: 无法从存档中获取包名称: "},
-        {"no version", [](Builder::Archive& a) { a.shortVersion.reset(); },
-         "XcodeFileManager: 无法从归档文件中获取包版本: "},
-        {"no build", [](Builder::Archive& a) { a.build.reset(); }, "XcodeFileManager: 无法从存档中获取包构建: "},
-        {"wrong extension", [](Builder::Archive& a) { a.bundleFileName = u"App.xcarchive.zip"_qs; }, nullptr},
-    };
-    int n = 0;
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
-        Builder::Archive spec;
-        spec.bundleFileName = QStringLiteral("Broken %1.xcarchive").arg(++n);
-        c.edit(spec);
-        test::LogCapture log;
-        EXPECT_FALSE(readArchive(builder.addArchive(spec)));
-        if (c.logLine)
-            EXPECT_TRUE(log.contains(QString::fromUtf8(c.logLine)));
-        else
-            EXPECT_TRUE(log.messages().isEmpty());
-    }
-
-    // A plist that is cut short, one that is not a dictionary, one whose properties are a
-    // text, and a non-string build: all left out.
+    Builder::Archive noName;
+    noName.name.reset();
+    Builder::Archive noBuild;
+    noBuild.build.reset();
     const QByteArray good = Builder::archiveInfoPlist({});
     QByteArray wrongType = good;
     wrongType.replace("<key>CFBundleVersion</key>\n\t\t<string>45</string>",
                       "<key>CFBundleVersion</key>\n\t\t<integer>45</integer>");
     ASSERT_NE(wrongType, good);
-    QByteArray propertiesText = good;
-    propertiesText.replace("<key>ApplicationProperties</key>", "<key>ApplicationPropertiesMoved</key>");
+    QByteArray propertiesMoved = good;
+    propertiesMoved.replace("<key>ApplicationProperties</key>", "<key>ApplicationPropertiesMoved</key>");
     const struct
     {
         const char* name;
         QByteArray bytes;
         const char* logLine;
     } files[] = {
+        {"noname.xcarchive", Builder::archiveInfoPlist(noName), "XcodeFileManager: 无法从存档中读取到项目名称: "},
+        {"nobuild.xcarchive", Builder::archiveInfoPlist(noBuild), "XcodeFileManager: 无法从存档中获取包构建: "},
         {"cut.xcarchive", good.left(good.size() / 2), "XcodeFileManager: 无法打开存档中的 Info.plist 文件: "},
         {"cutbinary.xcarchive", toBinary(good).left(40), "XcodeFileManager: 无法打开存档中的 Info.plist 文件: "},
-        {"array.xcarchive", QByteArray("<?xml version=\"1.0\"?><plist version=\"1.0\"><array/></plist>"),
-         "XcodeFileManager: 无法打开存档中的 Info.plist 文件: "},
         {"nonstring.xcarchive", wrongType, "XcodeFileManager: 无法从存档中获取包构建: "},
-        {"noproperties.xcarchive", propertiesText,
+        {"noproperties.xcarchive", propertiesMoved,
          "XcodeFileManager: 无法从存档的 Info.plist 文件中获取 Ap\u200b\u200bplicationProperties: "},
     };
     for (const auto& f : files) {
@@ -143,61 +108,13 @@ TEST(ArchiveReaderTest, BrokenArchivesAreLeftOutWithTheirLogLine)
             readArchive(builder.addArchiveWithInfoPlist(u"2024-02-02"_qs, QString::fromLatin1(f.name), f.bytes)));
         EXPECT_TRUE(log.contains(QString::fromUtf8(f.logLine)));
     }
+    {
+        // A bundle without the archive extension is left out silently.
+        test::LogCapture log;
+        EXPECT_FALSE(readArchive(builder.addArchiveWithInfoPlist(u"2024-02-02"_qs, u"App.xcarchive.zip"_qs, good)));
+        EXPECT_TRUE(log.messages().isEmpty());
+    }
     test::LogCapture log;
     EXPECT_FALSE(readArchive(builder.mkdir(u"Xcode/Archives/2024-02-03/empty.xcarchive"_qs)));
     EXPECT_TRUE(log.contains(u"无法打开存档中的 Info.plist 文件"_qs));
-}
-
-TEST(ArchiveReaderTest, AVersionThatDoesNotParseKeepsTheItem)
-{
-    test::TempTree tree;
-    Builder builder(tree.path(u"Developer"_qs));
-    Builder::Archive spec;
-    spec.shortVersion = u"1.2.3.4"_qs;
-    const auto item = readArchive(builder.addArchive(spec));
-    ASSERT_TRUE(item);
-    EXPECT_FALSE(item->as<ArchiveFile>()->version);
-    EXPECT_EQ(item->as<ArchiveFile>()->versionString, u"1.2.3.4"_qs);
-    EXPECT_EQ(item->label, u"1.2.3.4 (45)"_qs);
-}
-
-TEST(ArchiveReaderTest, RealArchiveInfoPlistsInXmlAndBinary)
-{
-    QUILLBAY_REQUIRE_SHARED_DATA(shared);
-    struct Case
-    {
-        const char* file;
-        const char* bundle;
-        const char* label;
-        QDateTime date;
-        SubmissionStatus status;
-    };
-    const Case cases[] = {
-        {"bitrise-ios.xcarchive.Info.plist", "com.bitrise.code-sign-test", "1.0 (1)",
-         QDateTime(QDate(2017, 11, 15), QTime(21, 51, 4), Qt::UTC), SubmissionStatus::undefined},
-        {"idoneo-App-2026-distributions.Info.plist", "com.idoneo.app", "1.0.1 (5)",
-         QDateTime(QDate(2026, 3, 18), QTime(1, 50, 47), Qt::UTC), SubmissionStatus::success},
-        {"cloudvision-Runner-2021-armv7-arm64.Info.plist", "com.williamherring.cloudvision", "1.0.0 (1)",
-         QDateTime(QDate(2021, 7, 13), QTime(7, 43, 37), Qt::UTC), SubmissionStatus::undefined},
-    };
-    test::TempTree tree;
-    Builder builder(tree.path(u"Developer"_qs));
-    for (const Case& c : cases) {
-        QFile file(shared + QStringLiteral("/xcarchive/") + QString::fromLatin1(c.file));
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << c.file;
-        const QByteArray xml = file.readAll();
-        for (const bool binary : {false, true}) {
-            SCOPED_TRACE(qPrintable(QStringLiteral("%1 binary=%2").arg(QString::fromLatin1(c.file)).arg(binary)));
-            const QString path = builder.addArchiveWithInfoPlist(
-                u"2024-03-03"_qs, QString::fromLatin1(c.file) + (binary ? u"-bin"_qs : QString()) + u".xcarchive"_qs,
-                binary ? toBinary(xml) : xml);
-            const auto item = readArchive(path);
-            ASSERT_TRUE(item);
-            EXPECT_EQ(item->as<ArchiveFile>()->bundleName, QString::fromLatin1(c.bundle));
-            EXPECT_EQ(item->label, QString::fromLatin1(c.label));
-            EXPECT_EQ(item->as<ArchiveFile>()->date, c.date);
-            EXPECT_EQ(item->as<ArchiveFile>()->submissionStatus, c.status);
-            EXPECT_EQ(item->paths, QStringList {path});
-        }
-    }
 }

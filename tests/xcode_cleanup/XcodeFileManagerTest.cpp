@@ -64,10 +64,12 @@ TEST(XcodeFileManagerTest, ScansEveryLocationOfARealTree)
 {
     Fixture f;
     Builder& b = f.builder;
-    // Device support: one OS folder missing (watchOS), duplicates by architecture.
+    // Device support: one OS folder missing (watchOS), duplicates by architecture, two
+    // builds of one version.
     b.addDeviceSupport(u"iOS DeviceSupport"_qs, u"iPhone14,2 17.1 (21B74)"_qs, 20000);
     b.addDeviceSupport(u"iOS DeviceSupport"_qs, u"16.2 (20C65) arm64e"_qs, 10000);
     b.addDeviceSupport(u"iOS DeviceSupport"_qs, u"16.2 (20C65)"_qs, 10000);
+    b.addDeviceSupport(u"iOS DeviceSupport"_qs, u"17.1 (21B90)"_qs);
     b.addDeviceSupport(u"iOS DeviceSupport"_qs, u"Not a version"_qs);
     b.addDeviceSupport(u"macOS DeviceSupport"_qs, u"14.2 (23C64)"_qs);
     b.mkdir(u"Xcode/tvOS DeviceSupport"_qs);
@@ -126,7 +128,8 @@ TEST(XcodeFileManagerTest, ScansEveryLocationOfARealTree)
     EXPECT_EQ(labels(devices.children),
               (QStringList {u"iOS"_qs, u"watchOS"_qs, u"tvOS"_qs, u"visionOS"_qs, u"macOS"_qs}));
     EXPECT_EQ(labels((*devices.children)[0].children),
-              (QStringList {u"iOS 17.1 (21B74) (iPhone 13 Pro)"_qs, u"iOS 16.2 (20C65)"_qs}));
+              (QStringList {u"iOS 17.1 (21B90)"_qs, u"iOS 17.1 (21B74) (iPhone 13 Pro)"_qs, u"iOS 16.2 (20C65)"_qs}))
+        << "newest first; builds order by what follows \"(\"; architecture duplicates go";
     EXPECT_FALSE((*devices.children)[1].children) << "a missing folder leaves the row unfilled";
     EXPECT_TRUE(log.contains(u"XcodeFileManager: 无法检查 '"_qs));
     EXPECT_EQ(labels((*devices.children)[2].children), QStringList {});
@@ -251,19 +254,4 @@ TEST(XcodeFileManagerTest, AStoppedScanReportsNothing)
         stop.get_token(), [](Location, const XcodeFileProperties&) { ADD_FAILURE() << "reported after stop"; });
     for (const auto& row : rows)
         EXPECT_FALSE(row.size.isKnown());
-}
-
-TEST(XcodeFileManagerTest, RealDerivedDataInfoPlistNamesItsWorkspace)
-{
-    QUILLBAY_REQUIRE_SHARED_DATA(shared);
-    QFile real(shared + u"/deriveddata/idoneo-DerivedDataFresh.info.plist"_qs);
-    ASSERT_TRUE(real.open(QIODevice::ReadOnly));
-    Fixture f;
-    f.builder.writeBytes(u"Xcode/DerivedData/App-gmwylpgzjaxpqecvfwvkaroitwyo/info.plist"_qs, real.readAll());
-    const auto manager = XcodeFileManager::create(f.developer);
-    ASSERT_TRUE(manager);
-    const auto rows = manager->derivedDataFiles();
-    ASSERT_EQ(rows.size(), 1u);
-    EXPECT_EQ(rows[0].label, u"App"_qs);
-    EXPECT_TRUE(rows[0].info.endsWith(u".xcodeproj"_qs)) << qPrintable(rows[0].info);
 }

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include "testsupport/TempTree.h"
 #include "xcode_cleanup/XcodeFileProperties.h"
 
 using namespace quillbay;
@@ -86,33 +85,4 @@ TEST(XcodeFilePropertiesTest, SelectedSizeOverflowStopsTheProgram)
                 {leaf(QStringLiteral("a"), std::numeric_limits<qint64>::max()), leaf(QStringLiteral("b"), 1)});
     root.setSelected(root.id, true);
     EXPECT_DEATH(root.selectedSize(), "overflow");
-}
-
-TEST(XcodeFilePropertiesTest, CalculateSizeMeasuresChildrenAndPathsAndKeepsTheirSizes)
-{
-    test::TempTree tree;
-    tree.writeSizedFile(QStringLiteral("one/a.bin"), 10000);
-    tree.writeSizedFile(QStringLiteral("one/sub/b.bin"), 5000);
-    tree.writeSizedFile(QStringLiteral("single.log"), 3000);
-    const qint64 a = test::TempTree::allocatedBytes(tree.path(QStringLiteral("one/a.bin")));
-    const qint64 b = test::TempTree::allocatedBytes(tree.path(QStringLiteral("one/sub/b.bin")));
-    const qint64 single = test::TempTree::allocatedBytes(tree.path(QStringLiteral("single.log")));
-
-    XcodeFileProperties folder = leaf(QStringLiteral("folder"), 0, tree.path(QStringLiteral("one")));
-    folder.size = Size::unknown();
-    XcodeFileProperties file = leaf(QStringLiteral("file"), 0, tree.path(QStringLiteral("single.log")));
-    file.size = Size::unknown();
-    XcodeFileProperties gone = leaf(QStringLiteral("gone"), 0, tree.path(QStringLiteral("missing")));
-    gone.size = Size::unknown();
-    XcodeFileProperties root = group(QStringLiteral("root"), {folder, file, gone});
-
-    EXPECT_EQ(root.resolvedSize(), Size::value(a + b + single));
-    EXPECT_EQ((*root.children)[0].size, Size::value(a + b));
-    EXPECT_EQ((*root.children)[1].size, Size::value(single)) << "a file is measured as a single item";
-    EXPECT_EQ((*root.children)[2].size, Size::value(0)) << "what cannot be measured counts 0, never unknown";
-
-    // A known size is not measured again; calculateSize always is.
-    tree.writeSizedFile(QStringLiteral("one/c.bin"), 8192);
-    EXPECT_EQ(root.resolvedSize(), Size::value(a + b + single));
-    EXPECT_GT(root.calculateSize().bytesOrZero(), a + b + single);
 }

@@ -54,11 +54,8 @@ TEST(XcodeReleaseTextTest, ReleaseLabelLowercasesTheKeyButKeepsOddities)
     };
     const Case cases[] = {
         {R"j({"release": true})j", QStringLiteral("Release"), true},
-        {R"j({"release": false})j", QStringLiteral("Release"), false},
         {R"j({"Release": true})j", QStringLiteral("Release"), false},
         {R"j({"release": 1})j", QStringLiteral("Release 1"), false},
-        {R"j({"release": "yes"})j", QStringLiteral("unknown"), false},
-        {R"j({"beta": 3})j", QStringLiteral("Beta 3"), false},
         {R"j({"BETA": true})j", QStringLiteral("Beta"), false},
         {R"j({"RC": 2})j", QStringLiteral("RC 2"), false},
         {R"j({"gm": false})j", QString(), false},
@@ -67,7 +64,6 @@ TEST(XcodeReleaseTextTest, ReleaseLabelLowercasesTheKeyButKeepsOddities)
         {R"j({"beta": 4, "release": true})j", QStringLiteral("Beta 4"), true},
         // Integer first, then boolean, anything else unknown.
         {R"j({"beta": 2.0})j", QStringLiteral("unknown"), false},
-        {R"j({"beta": null})j", QStringLiteral("unknown"), false},
         {R"j({"beta": 18446744073709551615})j", QStringLiteral("unknown"), false},
     };
     for (const Case& c : cases) {
@@ -137,14 +133,11 @@ TEST(XcodeReleaseTextTest, AppleSiliconMarkTrustsAPublishedArchitectureList)
     };
     const Case cases[] = {
         {"Xcode 12.2 (Apple Silicon)", R"j(["x86_64"])j", false},
-        {"Xcode", R"j(["arm64", "x86_64"])j", false},
         {"Xcode", R"j(["arm64"])j", true},
         {"Xcode (Apple Silicon)", R"j([])j", false},
-        {"Xcode (Apple Silicon)", R"j(["ppc"])j", false},
         {"Xcode (Apple Silicon)", nullptr, true},
         {"Xcode (apple silicon)", nullptr, false},
         {"Xcode (Apple Silicon) beta", nullptr, false},
-        {"Xcode", nullptr, false},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(std::string(c.name) + " " + (c.architectures ? c.architectures : "no list"));
@@ -171,14 +164,11 @@ TEST(XcodeReleaseTextTest, DateTextFollowsTheLocaleAndRollsOver)
     const QLocale english(QLocale::English, QLocale::UnitedStates);
     const QLocale german(QLocale::German, QLocale::Germany);
     const Case cases[] = {
-        {{12, 12, 2025}, english, u"Dec 12, 2025"_s},
         {{12, 12, 2025}, german, u"12. Dez. 2025"_s},
         {{0, 3, 2024}, english, u"Feb 29, 2024"_s},
-        {{1, 13, 2024}, english, u"Jan 1, 2025"_s},
         {{31, 0, 2024}, english, u"Dec 31, 2023"_s},
         {{1, 1, 0}, english, QString()},
         {{1, 1, 9'000'000'000}, english, QString()},
-        {{std::numeric_limits<qint64>::min(), 1, 2020}, english, QString()},
         {{1, std::numeric_limits<qint64>::max(), 2020}, english, QString()},
     };
     for (const Case& c : cases) {

@@ -4,7 +4,6 @@
 #include <QCheckBox>
 #include <QFileInfo>
 #include <QLabel>
-#include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -21,7 +20,6 @@
 #include "xcode_cleanup/views/CleanupView.h"
 #include "xcode_cleanup/views/XcodeCleanupContent.h"
 #include "xcode_cleanup/views/XcodeCleanupFooter.h"
-#include "xcode_cleanup/views/XcodeCleanupTreeModel.h"
 
 using namespace quillbay;
 using namespace quillbay::test;
@@ -191,7 +189,6 @@ TEST(CleanupViewTest, DialogsFollowTheRunningXcodeAndTheirDontAskAgainKeys)
         bool expectWarning;
         bool expectConfirmation;
     } cases[] = {
-        {"quiet machine", false, false, false, false, true},
         {"Xcode running", true, false, false, true, false},
         {"Xcode running, warning suppressed", true, true, false, false, true},
         {"both suppressed", true, true, true, false, false},
@@ -235,41 +232,6 @@ TEST(CleanupViewTest, DialogsFollowTheRunningXcodeAndTheirDontAskAgainKeys)
         }
         ASSERT_TRUE(s.f.waitForIdle());
     }
-}
-
-TEST(CleanupViewTest, RowsShowSpinnersUntilScannedAndRevealTheirPaths)
-{
-    Screen s;
-    s.f.buildDeveloperTree();
-    QList<bool> spinnerWhileScanning;
-    s.show();
-    QObject::connect(s.f.model.get(), &AppViewModel::localFilesChanged, s.view, [&] {
-        const QModelIndex first = s.tree()->model()->index(0, XcodeCleanupTreeModel::sizeColumn);
-        if (first.isValid())
-            spinnerWhileScanning << first.data(XcodeCleanupTreeModel::sizeIsUnknownRole).toBool();
-    });
-    ASSERT_TRUE(waitUntil([&] { return s.f.model->hasFileManager(); }));
-    ASSERT_TRUE(s.f.waitForIdle());
-    ASSERT_FALSE(spinnerWhileScanning.isEmpty());
-    EXPECT_TRUE(spinnerWhileScanning.first()) << "sizes are unknown until their location is scanned";
-    EXPECT_FALSE(s.tree()
-                     ->model()
-                     ->index(0, XcodeCleanupTreeModel::sizeColumn)
-                     .data(XcodeCleanupTreeModel::sizeIsUnknownRole)
-                     .toBool());
-
-    // A location row has no paths and so no menu; a derived data row reveals its folder.
-    EXPECT_EQ(s.view->content()->contextMenu(s.row(QStringLiteral("Derived Data"))), nullptr);
-    std::unique_ptr<QMenu> menu(s.view->content()->contextMenu(s.row(QStringLiteral("My App"))));
-    ASSERT_NE(menu, nullptr);
-    QAction* reveal = menu->findChild<QAction*>(QStringLiteral("showInFinderAction"));
-    ASSERT_NE(reveal, nullptr);
-    reveal->trigger();
-    ASSERT_EQ(s.f.workspace.revealed.size(), 1);
-    EXPECT_EQ(s.f.workspace.revealed[0], QStringList {s.f.myApp});
-    std::unique_ptr<QMenu> docs(s.view->content()->contextMenu(s.row(QStringLiteral("Cache from Xcode 15.4"))));
-    docs->findChild<QAction*>(QStringLiteral("showInFinderAction"))->trigger();
-    EXPECT_EQ(s.f.workspace.revealed[1].size(), 2) << "every path of the row is shown";
 }
 
 TEST(CleanupViewTest, AnEmptyDeveloperFolderShowsTheEmptyState)
