@@ -6,7 +6,6 @@
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QToolButton>
 #include <QTreeView>
 
 #include <gtest/gtest.h>
@@ -56,7 +55,6 @@ TEST(HomebrewCacheCleanupViewTest, AuthorizeDeselectOnePackageDeleteAndSeeTheRes
     ASSERT_TRUE(waitUntil([&] { return f.store->hasLoadedAuthorization(); }));
     EXPECT_EQ(view.currentPage(), authorization);
     EXPECT_FALSE(child<QWidget>(view, "homebrewCacheCleanupFooter")->isVisible());
-    EXPECT_FALSE(child<QToolButton>(view, "rescanToolButton")->isEnabled());
 
     // Authorize: the panel picks the cache; the scan selects everything.
     f.pickers.answers.push_back(f.cache.root());
@@ -80,7 +78,6 @@ TEST(HomebrewCacheCleanupViewTest, AuthorizeDeselectOnePackageDeleteAndSeeTheRes
     EXPECT_EQ(checkOf(model, "package-node:formula:pkg1"), Qt::Unchecked);
     EXPECT_EQ(checkOf(model, "entry-node:package:formula:pkg1:1.1"), Qt::Unchecked);
     EXPECT_EQ(checkOf(model, "category-node:formula"), Qt::PartiallyChecked);
-    EXPECT_EQ(checkOf(model, "category-node:cask"), Qt::Checked);
     EXPECT_TRUE(child<QPushButton>(view, "selectAllPushButton")->isEnabled());
     const qint64 toDelete = f.store->selectedAllocatedSize();
     EXPECT_EQ(selected->text(), formatByteCount(toDelete));
@@ -107,9 +104,10 @@ TEST(HomebrewCacheCleanupViewTest, AuthorizeDeselectOnePackageDeleteAndSeeTheRes
     const QString toast = QStringLiteral("Cleanup completed. Space reclaimed: %1.").arg(formatByteCount(toDelete));
     EXPECT_EQ(view.toast()->text(), toast);
     EXPECT_EQ(f.savedSpace.totalBytes(), toDelete);
+    EXPECT_EQ(f.successes.size(), 1u);
+    EXPECT_TRUE(f.cache.exists(QStringLiteral("Cask"))) << "containers stay while something is left";
     EXPECT_TRUE(f.store->suppressDeleteWarningAlert());
     ASSERT_EQ(model.rowCount(), 1);
-    EXPECT_EQ(model.index(0, 0).data().toString(), QStringLiteral("Formula"));
     ASSERT_EQ(model.rowCount(model.index(0, 0)), 1);
     EXPECT_EQ(model.index(0, 0, model.index(0, 0)).data().toString(), QStringLiteral("pkg1"));
     EXPECT_EQ(checkOf(model, "category-node:formula"), Qt::Checked);
@@ -126,9 +124,10 @@ TEST(HomebrewCacheCleanupViewTest, AuthorizeDeselectOnePackageDeleteAndSeeTheRes
     ASSERT_NE(empty, nullptr);
     EXPECT_EQ(empty->title(), QStringLiteral("Homebrew Cache Is Empty"));
     EXPECT_EQ(empty->description(), QStringLiteral("No cache contents were found in the authorized folder."));
-    ASSERT_NE(empty->button(), nullptr);
-    EXPECT_EQ(empty->button()->objectName(), QStringLiteral("emptyRescanPushButton"));
-    EXPECT_EQ(empty->button()->text(), QStringLiteral("Rescan"));
+    // Everything was selected: the empty containers went too.
+    EXPECT_FALSE(f.cache.exists(QStringLiteral("downloads")));
+    EXPECT_FALSE(f.cache.exists(QStringLiteral("Cask")));
+    EXPECT_EQ(f.successes.size(), 2u);
     EXPECT_FALSE(child<QWidget>(view, "homebrewCacheCleanupFooter")->isVisible());
     // The toast clears itself and the store with it.
     ASSERT_TRUE(
@@ -142,8 +141,6 @@ TEST(HomebrewCacheCleanupViewTest, AFailedRescanOffersRetry)
     HomebrewCacheCleanupView view(*f.store);
     view.show();
     ASSERT_TRUE(f.authorize());
-    const QModelIndex size = view.outlineModel()->index(0, HomebrewCacheOutlineModel::sizeColumn);
-    EXPECT_EQ(size.data().toString(), formatByteCount(*f.store->nodes()[0].allocatedSize));
 
     // The cache folder becomes a link: the rescan fails and the page offers "Retry".
     const QString moved = f.cache.tree().path(QStringLiteral("home/moved"));
@@ -155,7 +152,6 @@ TEST(HomebrewCacheCleanupViewTest, AFailedRescanOffersRetry)
     ASSERT_NE(failed, nullptr);
     EXPECT_EQ(failed->title(), QStringLiteral("Failed to load data"));
     ASSERT_TRUE(f.store->errorMessage().has_value());
-    EXPECT_FALSE(failed->description().isEmpty());
     EXPECT_EQ(failed->description(), *f.store->errorMessage());
     EXPECT_TRUE(child<QPushButton>(view, "retryPushButton")->isEnabled());
 

@@ -64,8 +64,6 @@ TEST(HomebrewCacheOutlineTest, GroupsCategoriesPackagesAndVersions)
     ASSERT_EQ(roots.size(), 3u);
     EXPECT_EQ(titles(roots),
               (QStringList {QStringLiteral("Formula"), QStringLiteral("Cask"), QStringLiteral("Other Cache")}));
-    EXPECT_EQ(roots[0].id, QStringLiteral("category-node:formula"));
-    EXPECT_EQ(roots[2].id, QStringLiteral("category-node:other"));
 
     const HomebrewCacheNode& formula = roots[0];
     EXPECT_EQ(formula.allocatedSize, 10 + 1 + 0 + 20 + 40 + 2 + 3 + 5) << "an unknown size counts as nothing";

@@ -8,8 +8,8 @@ using namespace quillbay::test;
 
 // Random cache trees with downloads/ and Cask/ among the folders, the picks spread over
 // entries of one to three paths (an empty entry and a shared path now and then), and a
-// folder on the way to a selected item swapped for a link out of the cache before the call
-// or right before the item's removal. Nothing outside the cache changes, nothing
+// folder on the way to a selected item swapped for a link out of the cache right before the
+// item's removal. Nothing outside the cache changes, nothing
 // unselected inside it changes, every refusal is reported, entries count by what is left
 // on disk, and the reclaimed size is the allocated size of everything that left, each file
 // identity once.
@@ -52,7 +52,7 @@ TEST(HomebrewCacheCleanerPropertyTest, RandomTreesLoseExactlyTheSelection)
         for (const auto& failure : result.failures)
             failureNames << failure.itemName;
         trial.expectSelectionHonoured(failureNames, true, removeEmptyContainers ? containers : QStringList {});
-        EXPECT_EQ(result.reclaimedSize, trial.goneIdentityBytes());
+        EXPECT_EQ(result.reclaimedSize, trial.goneBytes(true));
         const int gone = int(std::count_if(entries.begin(), entries.end(), [](const HomebrewCacheEntry& entry) {
             return !entry.paths.isEmpty() && std::none_of(entry.paths.begin(), entry.paths.end(), pathExists);
         }));

@@ -53,9 +53,8 @@ public:
     QString root() const { return m_root; }
     const QList<Pick>& picks() const { return m_picks; }
 
-    // Fills the tree, picks the selection (`extraHostile` must be refused too), now and
-    // then swaps a folder on the way to a pick for a link out of the root, chooses races,
-    // and snapshots the tree.
+    // Fills the tree, picks the selection (`extraHostile` must be refused too), chooses
+    // races, and snapshots the tree.
     void prepare(const QStringList& extraHostile = {});
     // Called from the deleter's test hook for every path it is about to act on: a chosen
     // pick's folder becomes a link to a copy of it outside the root.
@@ -67,10 +66,9 @@ public:
     void expectSelectionHonoured(const QStringList& failureNames,
                                  bool coveredByAncestor,
                                  const QStringList& removableTopFolders = {}) const;
-    // Bytes that left the root: every regular file path (hard links count where they
-    // stand), or every item with each file identity once.
-    qint64 goneFileBytes() const;
-    qint64 goneIdentityBytes() const;
+    // Bytes that left the root: each item with its file identity once, or else every
+    // regular file path (hard links count where they stand).
+    qint64 goneBytes(bool eachIdentityOnce) const;
 
 private:
     RandomTrial(quint64 seed, const QString& rootRelative, const QStringList& topFolders);
@@ -81,9 +79,7 @@ private:
     void populate();
     void populateFolder(const QString& folder, int depth);
     void pickSelection(const QStringList& extraHostile);
-    void swapBeforeDeletion();
     QString outsideCopyOf(const QString& folder);
-    void swapFolder(const QString& folder, const QString& copy, const QString& asideName);
     void addPick(const QString& path, Role role);
     // Everything but the root; the root alone with the race renames undone.
     TreeState captureOutside() const { return captureTree(m_base, {m_root}); }
@@ -113,7 +109,7 @@ private:
     QList<QPair<QString, QString>> m_linksOut; // link in the root -> an item in its target folder
 
     QList<Pick> m_picks;
-    QStringList m_swapped; // folders replaced by links, before or during the deletion
+    QStringList m_swapped; // folders a race replaced by links
     QHash<QString, QString> m_asideToOriginal; // race renames, relative to the root
     QHash<QString, Race> m_races; // by the clean path of the picked item
     TreeState m_outsideBefore;

@@ -44,30 +44,6 @@ TreeState captureTree(const QString& folder, const QStringList& excluded)
     return state;
 }
 
-QStringList describeDifferences(const TreeState& before, const TreeState& after, int limit)
-{
-    const auto describe = [](const ItemState& item) {
-        return QStringLiteral("%1 inode %2 size %3 %4")
-            .arg(QLatin1Char(item.kind))
-            .arg(item.inode)
-            .arg(item.size)
-            .arg(QString::fromLatin1(item.kind == 'l' ? item.content : item.content.toHex().left(12)));
-    };
-    QStringList lines;
-    for (auto it = before.cbegin(); it != before.cend() && lines.size() < limit; ++it) {
-        const auto now = after.constFind(it.key());
-        if (now == after.cend())
-            lines << QStringLiteral("gone: %1 (%2)").arg(it.key(), describe(it.value()));
-        else if (!now->sameAs(it.value()))
-            lines << QStringLiteral("changed: %1 (%2 -> %3)").arg(it.key(), describe(it.value()), describe(*now));
-    }
-    for (auto it = after.cbegin(); it != after.cend() && lines.size() < limit; ++it) {
-        if (!before.contains(it.key()))
-            lines << QStringLiteral("new: %1 (%2)").arg(it.key(), describe(it.value()));
-    }
-    return lines;
-}
-
 bool pathExists(const QString& path)
 {
     struct stat st

@@ -29,8 +29,6 @@ struct ItemState
 // absolute path in `excluded` are left out.
 using TreeState = QMap<QString, ItemState>;
 TreeState captureTree(const QString& folder, const QStringList& excluded = {});
-// One line per difference, at most `limit`; empty when equal.
-QStringList describeDifferences(const TreeState& before, const TreeState& after, int limit = 8);
 // lstat succeeds: the path names something, a dangling link included.
 bool pathExists(const QString& path);
 
