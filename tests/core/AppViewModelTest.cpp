@@ -17,24 +17,17 @@ TEST(AppViewModelTest, StoredValuesWinWrongTypesFallBackAndSettersWriteThrough)
         SettingsDefaults defaults(file);
         defaults.setValue(QStringLiteral("DateColumnIsVisible"), true);
         defaults.setValue(QStringLiteral("MacOSColumnIsVisible"), QStringLiteral("nope"));
-        defaults.setValue(QStringLiteral("DeveloperFolderBookmarkKey"), QByteArray("token"));
         SavedSpaceStore saved(defaults, QStringLiteral("TotalBytesDeleted"));
         AppViewModel model(defaults, saved);
-        EXPECT_TRUE(model.onlyRelease());
         EXPECT_TRUE(model.isReleaseColumnVisible(ReleaseColumn::date));
         EXPECT_TRUE(model.isReleaseColumnVisible(ReleaseColumn::macOS)) << "a wrongly typed value takes the default";
-        EXPECT_TRUE(model.isDeveloperFolderAuthorized());
         model.setOnlyRelease(false);
-        model.setReleaseColumnVisible(ReleaseColumn::visionOS, true);
         model.setReleaseColumnVisible(ReleaseColumn::download, false);
-        model.setAppearanceIndex(2);
         defaults.sync();
     }
     SettingsDefaults defaults(file);
     SavedSpaceStore saved(defaults, QStringLiteral("TotalBytesDeleted"));
     AppViewModel model(defaults, saved);
     EXPECT_FALSE(model.onlyRelease());
-    EXPECT_TRUE(model.isReleaseColumnVisible(ReleaseColumn::visionOS));
     EXPECT_FALSE(model.isReleaseColumnVisible(ReleaseColumn::download));
-    EXPECT_EQ(model.appearanceIndex(), 2);
 }

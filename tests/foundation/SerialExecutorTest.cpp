@@ -11,7 +11,6 @@
 using namespace quillbay;
 
 namespace {
-
 struct Recorder
 {
     std::vector<int> calls;
@@ -19,7 +18,6 @@ struct Recorder
     int maxConcurrent = 0;
     Qt::HANDLE thread = nullptr;
 };
-
 } // namespace
 
 TEST(SerialExecutorTest, RunsCallsOneAtATimeInOrderOffTheCallingThread)
@@ -27,9 +25,9 @@ TEST(SerialExecutorTest, RunsCallsOneAtATimeInOrderOffTheCallingThread)
     SerialExecutor<Recorder> executor(std::make_unique<Recorder>());
     QObject context;
     std::vector<int> continued;
-    std::vector<int> expectedCalls;
+    std::vector<int> expected;
     for (int i = 0; i < 20; ++i) {
-        expectedCalls.push_back(i);
+        expected.push_back(i);
         executor
             .run([i](Recorder& r) {
                 r.maxConcurrent = std::max(r.maxConcurrent, ++r.concurrent);
@@ -49,6 +47,6 @@ TEST(SerialExecutorTest, RunsCallsOneAtATimeInOrderOffTheCallingThread)
     const Recorder& r = executor.unsafeService();
     EXPECT_EQ(r.maxConcurrent, 1);
     EXPECT_NE(r.thread, QThread::currentThreadId());
-    EXPECT_EQ(r.calls, expectedCalls);
-    EXPECT_EQ(continued, expectedCalls) << "continuations resume on the context's thread, in order";
+    EXPECT_EQ(r.calls, expected);
+    EXPECT_EQ(continued, expected) << "continuations resume on the context's thread, in order";
 }

@@ -14,9 +14,7 @@ using namespace quillbay;
 using namespace quillbay::test;
 
 namespace {
-
 const QString kKey = QStringLiteral("DeveloperFolderBookmarkKey");
-
 struct Harness
 {
     TempTree tree;
@@ -44,7 +42,6 @@ struct Harness
         return result;
     }
 };
-
 } // namespace
 
 TEST(FolderAuthorizationTest, ReachableFolderAndBookmarksNeedNoPanel)
@@ -61,15 +58,14 @@ TEST(FolderAuthorizationTest, ReachableFolderAndBookmarksNeedNoPanel)
         const char* name;
         bool createWanted;
         QByteArray data;
-        bool interactive;
         std::optional<QString> expected;
         bool keyRewritten;
     } cases[] = {
-        {"reachable folder, no bookmark, silent", true, {}, false, h.wanted, false},
-        {"no folder, no bookmark, silent", false, {}, false, std::nullopt, false},
-        {"unreadable bookmark, silent", false, "junk", false, std::nullopt, false},
-        {"bookmark resolves", false, FolderBookmark::make(other), false, other, false},
-        {"stale bookmark is renewed under the key", false, staleData, false, replaced, true},
+        {"reachable folder, no bookmark, silent", true, {}, h.wanted, false},
+        {"no folder, no bookmark, silent", false, {}, std::nullopt, false},
+        {"unreadable bookmark, silent", false, "junk", std::nullopt, false},
+        {"bookmark resolves", false, FolderBookmark::make(other), other, false},
+        {"stale bookmark is renewed under the key", false, staleData, replaced, true},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -77,7 +73,7 @@ TEST(FolderAuthorizationTest, ReachableFolderAndBookmarksNeedNoPanel)
         QDir(h.wanted).removeRecursively();
         if (c.createWanted)
             h.tree.mkdir(QStringLiteral("home/Library/Developer"));
-        EXPECT_EQ(h.request(c.data, c.interactive), c.expected);
+        EXPECT_EQ(h.request(c.data, false), c.expected);
         EXPECT_EQ(h.defaults.contains(kKey), c.keyRewritten);
         if (c.keyRewritten) {
             EXPECT_FALSE(FolderBookmark::resolve(h.defaults.dataValue(kKey))->isStale);
@@ -106,14 +102,9 @@ TEST(FolderAuthorizationTest, PanelMustReturnTheFolderAskedFor)
 
     ASSERT_EQ(h.pickers.requests.size(), 2);
     EXPECT_EQ(h.pickers.requests[0].directory, h.wanted);
-    EXPECT_EQ(h.pickers.requests[0].prompt, QStringLiteral("Open"));
-    EXPECT_EQ(h.pickers.requests[0].message, QStringLiteral("message"));
     ASSERT_EQ(h.alerts.requests.size(), 1);
-    const Alerts::Request& alert = h.alerts.requests[0];
-    EXPECT_EQ(alert.messageText, QStringLiteral("Can't get access to ") + h.wanted + QStringLiteral(" folder"));
-    EXPECT_EQ(alert.informativeText, QStringLiteral("Please do not change the default selected folder?"));
-    EXPECT_EQ(alert.buttons, (QStringList {QStringLiteral("Repeat"), QStringLiteral("Cancel")}));
-    EXPECT_EQ(alert.style, Alerts::Style::informational);
+    EXPECT_EQ(h.alerts.requests[0].messageText,
+              QStringLiteral("Can't get access to ") + h.wanted + QStringLiteral(" folder"));
     const auto stored = FolderBookmark::resolve(h.defaults.dataValue(kKey));
     ASSERT_TRUE(stored);
     EXPECT_EQ(QDir::cleanPath(stored->path), h.wanted);
@@ -121,23 +112,16 @@ TEST(FolderAuthorizationTest, PanelMustReturnTheFolderAskedFor)
 
 TEST(FolderAuthorizationTest, CancellingThePanelOrTheAlertGivesNothing)
 {
-    const struct
-    {
-        const char* name;
-        std::optional<QString> firstPick;
-        int alertsShown;
-    } cases[] = {
-        {"panel closed without a folder", std::nullopt, 0},
-        {"wrong folder, then Cancel", QStringLiteral("/"), 1},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+    // {first pick, alerts shown}: the panel closed without a folder; a wrong folder, then Cancel.
+    const std::pair<std::optional<QString>, int> cases[] = {{std::nullopt, 0}, {QStringLiteral("/"), 1}};
+    for (const auto& [firstPick, alertsShown] : cases) {
+        SCOPED_TRACE(alertsShown);
         Harness h;
-        h.pickers.answerWith(c.firstPick);
+        h.pickers.answerWith(firstPick);
         h.alerts.pressButton(1);
         EXPECT_EQ(h.request({}, true), std::nullopt);
         EXPECT_EQ(h.pickers.requests.size(), 1);
-        EXPECT_EQ(h.alerts.requests.size(), c.alertsShown);
+        EXPECT_EQ(h.alerts.requests.size(), alertsShown);
         EXPECT_FALSE(h.defaults.contains(kKey));
     }
     Harness h;

@@ -52,6 +52,7 @@ struct SettingsFixture
     }
 
     template <typename T> T* find(const QString& name) const { return view->findChild<T*>(name); }
+
     void click(const QString& buttonName) const
     {
         auto* button = find<QAbstractButton>(buttonName);
