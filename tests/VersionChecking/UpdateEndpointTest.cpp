@@ -66,12 +66,12 @@ TEST(UpdateEndpointTest, AnswersFromItsConfigurationOnlyToSignedFreshRequests)
     };
     // Plain older and latest versions go through the whole deployment in the end-to-end test.
     const Case cases[] = {
+        // Compared by number: 2.10 is newer than 2.3; a version that is no number is never older.
         {"newer than latest", {.version = u"2.10.0"_s}, 200, answer(false, false)},
+        {"not a number", {.version = u"beta"_s}, 200, answer(false, false)},
         {"must update, sent with a blank", {.version = u"1.0.1 "_s}, 200, answer(true, true)},
-        {"app id with blanks", {.appID = u" 6443543821 "_s}, 200, answer(false, true)},
         {"timestamp at the edge of the window", {.timestamp = kNow - 300}, 200, answer(false, true)},
         {"timestamp just past the window", {.timestamp = kNow - 301}, 401, "stale timestamp"},
-        {"timestamp from the future", {.timestamp = kNow + 301}, 401, "stale timestamp"},
         {"signature over another version",
          {.version = u"1.0.0"_s, .signedVersion = u"2.3.0"_s},
          401,
@@ -107,33 +107,13 @@ TEST(UpdateEndpointTest, RejectsMalformedHeadersAndMissingItems)
     const Case cases[] = {
         {"uppercase hex is the same signature", full, "1750000000", goodSignature.toUpper(), 404},
         {"missing query item", missing, "1750000000", goodSignature, 400},
-        {"no timestamp", full, "", goodSignature, 401},
         {"signed timestamp", full, "-1750000000", goodSignature, 401},
         {"huge timestamp", full, "99999999999999999999999", goodSignature, 401},
         {"short signature", full, "1750000000", goodSignature.left(63), 401},
-        {"long signature", full, "1750000000", goodSignature + "0", 401},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         EXPECT_EQ(answerUpdateCheck(config(), u"/api/app-version/check"_s, c.query, c.timestamp, c.signature).status,
                   c.status);
-    }
-}
-
-TEST(UpdateEndpointTest, ComparesVersionsByNumber)
-{
-    struct Case
-    {
-        QString version, than;
-        bool older;
-    };
-    const Case cases[] = {
-        {u"1.9"_s, u"1.10"_s, true}, {u"1.2"_s, u"1.2.0"_s, false}, {u"1.2"_s, u"1.2.1"_s, true},
-        {u"2"_s, u"10"_s, true},     {u"beta"_s, u"2.0"_s, false},  {u"1.0"_s, u"nightly"_s, false},
-        {u""_s, u"1.0"_s, false},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE((c.version + u" < "_s + c.than).toStdString());
-        EXPECT_EQ(isOlderVersion(c.version, c.than), c.older);
     }
 }

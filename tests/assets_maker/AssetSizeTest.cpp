@@ -19,26 +19,17 @@ TEST(AssetSizeTest, PixelSizeMultipliesInFloatsAndRefusesBadSizesAndScales)
         {u"20x20", nullptr, 20, 20},
         {u"83.5x83.5", "2x", 167, 167},
         {u"40.5x40.5", "3x", 121, 121},
-        {u"1024x1024", "3x", 3072, 3072},
         {u"0.9x0.4", "1x", 0, 0},
-        {u"16x32", "2x", 32, 64},
         {u"1.x.5", "2x", 2, 1},
         {u"20X20", "1x"},
         {u"x20", "1x"},
-        {u"20x", "1x"},
-        {u".x.", "1x"},
-        {u"1.2.3x4", "1x"},
         {u" 20x20", "1x"},
-        {u"20x20x20", "1x"},
         {u"-20x20", "1x"},
         {u"1e3x1e3", "1x"},
         {u"\u0662\u0660x\u0662\u0660", "1x"}, // Arabic-Indic digits
-        {u"", "1x"},
         {u"99999999999999999999999999999999999999999999x1", "1x"}, // infinite as a float
         {u"3000000000x1", "1x"}, // past any image side
         {u"20x20", "4x"},
-        {u"20x20", "2X"},
-        {u"20x20", "@2x"},
         {u"20x20", ""},
     };
     for (const Case& c : cases) {

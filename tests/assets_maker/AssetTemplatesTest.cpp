@@ -97,22 +97,3 @@ TEST(AssetTemplatesTest, TemplatesCoverTheSlotsOfRealSets)
         }
     }
 }
-
-TEST(AssetTemplatesTest, RealSetsWithFilesRoundTripAndEmptySlotsAreRefused)
-{
-    QUILLBAY_REQUIRE_SHARED_DATA(realdata);
-    const auto read = [&](const char* folder) {
-        QFile file(QDir(realdata).filePath(QStringLiteral("appiconset/%1/Contents.json").arg(QLatin1String(folder))));
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << folder;
-        return file.readAll();
-    };
-    for (const char* folder :
-         {"ios-all-sizes", "macos", "watchos", "ios-single-size", "macos-dark-appearance-handwritten"}) {
-        SCOPED_TRACE(folder);
-        const AssetContent content = decodeAssetContent(read(folder));
-        EXPECT_FALSE(content.images.isEmpty());
-        EXPECT_EQ(decodeAssetContent(encodeAssetContent(content)), content);
-    }
-    for (const char* folder : {"ios-all-sizes-empty-slots", "macos-empty-slots", "ios-single-size-dark-tinted"})
-        EXPECT_THROW(decodeAssetContent(read(folder)), AssetMakerError) << folder;
-}

@@ -52,7 +52,6 @@ TEST(PurchaseServiceTest, EachPurchaseOutcome)
         {"success", TipStore::PurchaseOutcome::succeeded, true, true, true, true},
         {"unverified: nothing finished", TipStore::PurchaseOutcome::succeeded, false, false, false, false},
         {"cancelled", TipStore::PurchaseOutcome::cancelled, true, false, false, false},
-        {"pending approval", TipStore::PurchaseOutcome::pending, true, false, false, false},
         {"failed", TipStore::PurchaseOutcome::failed, true, false, false, false},
     };
     for (const Case& c : cases) {
