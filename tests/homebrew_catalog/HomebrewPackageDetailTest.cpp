@@ -4,7 +4,6 @@
 #include <nlohmann/json.hpp>
 
 #include "homebrew_catalog/HomebrewPackageDetail.h"
-#include "homebrew_catalog/JsonFields.h"
 #include "testsupport/TestEnvironment.h"
 
 using namespace quillbay;
@@ -34,51 +33,7 @@ QList<HomebrewPackageRoute> routes(std::initializer_list<std::pair<Kind, const c
     return out;
 }
 
-HomebrewJSONValue valueOf(const char* json)
-{
-    auto parsed = json::parse(QByteArray(json));
-    EXPECT_TRUE(parsed.ok());
-    auto value = HomebrewJSONValue::decode(parsed.value());
-    EXPECT_TRUE(value.ok());
-    return value.ok() ? std::move(value).value() : HomebrewJSONValue();
-}
-
 } // namespace
-
-TEST(HomebrewPackageDetailTest, JSONValueDecodesInItsOrderAndRoundTrips)
-{
-    struct Row
-    {
-        const char* json;
-        HomebrewJSONValue::Case kind;
-        const char* encoded;
-        QStringList lines;
-    };
-    const Row rows[] = {
-        {"42", HomebrewJSONValue::Case::integer, "42", {u"42"_s}},
-        {"2.0", HomebrewJSONValue::Case::integer, "2", {u"2"_s}},
-        {"18446744073709551615", HomebrewJSONValue::Case::number, "1.8446744073709552e+19", {}},
-        {"[\"a\",[1,null],{\"k\":\"v\"}]",
-         HomebrewJSONValue::Case::array,
-         "[\"a\",[1,null],{\"k\":\"v\"}]",
-         {u"a"_s, u"1"_s, u"k: v"_s}},
-        {"{\"b\":[\"x\",\"y\"],\"a\":true,\"n\":null}",
-         HomebrewJSONValue::Case::object,
-         "{\"a\":true,\"b\":[\"x\",\"y\"],\"n\":null}",
-         {u"a: true"_s, u"b: x"_s, u"b: y"_s}},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.json);
-        const HomebrewJSONValue value = valueOf(row.json);
-        EXPECT_EQ(value.kind(), row.kind);
-        EXPECT_EQ(value.encoded(), QByteArray(row.encoded));
-        if (row.kind != HomebrewJSONValue::Case::number) {
-            EXPECT_EQ(value.displayStrings(), row.lines);
-        }
-    }
-    EXPECT_EQ(valueOf("{\"z\":{\"q\":\"deep\"},\"a\":[\"x\",{\"k\":\"y\"}]}").dependencyTokens(),
-              (QStringList {u"x"_s, u"y"_s, u"deep"_s}));
-}
 
 TEST(HomebrewPackageDetailTest, FormulaWithOnlyANameAndOptionalShapes)
 {
