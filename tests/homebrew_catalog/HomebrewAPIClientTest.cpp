@@ -50,7 +50,7 @@ HomebrewResult<QByteArray> await(QFuture<HomebrewResult<QByteArray>> future)
 
 } // namespace
 
-TEST(HomebrewAPIClientTest, SignedFetchStoresBodyAndValidatorsThenAsksConditionally)
+TEST(HomebrewAPIClientTest, SignedFetchReplacesACorruptSidecarThenAsksConditionally)
 {
     TempTree tree;
     ScriptedHttpServer server;
@@ -58,6 +58,8 @@ TEST(HomebrewAPIClientTest, SignedFetchStoresBodyAndValidatorsThenAsksConditiona
         return ScriptedHttpServer::Reply {
             200, "{\"name\":\"openssl@3\"}", {{"ETag", "\"v1\""}, {"Last-Modified", "Tue, 01 Jul 2025 00:00:00 GMT"}}};
     };
+    // A corrupt sidecar makes the first request unconditional, without an error.
+    tree.writeFile(detailEndpoint.cacheStem() + u".metadata.json"_s, "{\"etag\":\"no date\"");
     const auto client = makeClient(server.baseURL(), tree.root());
 
     const auto first = await(client->fetch(detailEndpoint, true, acceptAll));
@@ -86,37 +88,6 @@ TEST(HomebrewAPIClientTest, SignedFetchStoresBodyAndValidatorsThenAsksConditiona
 
     ASSERT_TRUE(await(client->fetch(detailEndpoint, false, acceptAll)).ok());
     EXPECT_FALSE(server.requests[2].headers.contains("if-none-match"));
-}
-
-TEST(HomebrewAPIClientTest, ConditionalHeadersFollowWhatTheSidecarHolds)
-{
-    struct Row
-    {
-        const char* name;
-        QByteArray sidecar;
-        QByteArray ifNoneMatch;
-        QByteArray ifModifiedSince;
-    };
-    const Row rows[] = {
-        {"last-modified only",
-         "{\"fetchedAt\":1,\"lastModified\":\"Mon, 02 Jan 2006 15:04:05 GMT\"}",
-         {},
-         "Mon, 02 Jan 2006 15:04:05 GMT"},
-        {"corrupt sidecar: unconditional, no error", "{\"etag\":\"no date\"", {}, {}},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        TempTree tree;
-        tree.writeFile(detailEndpoint.cacheStem() + u".metadata.json"_s, row.sidecar);
-        ScriptedHttpServer server;
-        server.script = [](const ScriptedHttpServer::Request&) { return ScriptedHttpServer::Reply {200, "{}", {}}; };
-        const auto client = makeClient(server.baseURL(), tree.root());
-        const auto result = await(client->fetch(detailEndpoint, true, acceptAll));
-        ASSERT_TRUE(result.ok()) << result.error().debugDescription().toStdString();
-        ASSERT_EQ(server.requests.size(), 1);
-        EXPECT_EQ(server.requests[0].headers.value("if-none-match"), row.ifNoneMatch);
-        EXPECT_EQ(server.requests[0].headers.value("if-modified-since"), row.ifModifiedSince);
-    }
 }
 
 TEST(HomebrewAPIClientTest, EveryFailureLeavesTheCacheAsItsRowSays)
