@@ -17,10 +17,6 @@ QByteArray snapshotJson(HomebrewCatalogKind kind, const QList<FixturePackage>& p
         Json analytics = Json::object();
         if (p.thirtyDays)
             analytics["thirtyDays"] = *p.thirtyDays;
-        if (p.ninetyDays)
-            analytics["ninetyDays"] = *p.ninetyDays;
-        if (p.threeHundredSixtyFiveDays)
-            analytics["threeHundredSixtyFiveDays"] = *p.threeHundredSixtyFiveDays;
         Json aliases = Json::array();
         for (const QString& alias : p.aliases)
             aliases.push_back(alias.toStdString());
@@ -28,25 +24,21 @@ QByteArray snapshotJson(HomebrewCatalogKind kind, const QList<FixturePackage>& p
                              {"displayName", (p.displayName.isEmpty() ? p.identifier : p.displayName).toStdString()},
                              {"aliases", aliases},
                              {"summary", p.summary.toStdString()},
-                             {"version", p.version.toStdString()},
+                             {"version", "1.0"},
                              {"analytics", analytics},
-                             {"isDeprecated", p.isDeprecated},
-                             {"isDisabled", p.isDisabled}});
+                             {"isDeprecated", false},
+                             {"isDisabled", false}});
     }
     Json snapshot {{"schemaVersion", schemaVersion}, {"kind", rawValue(kind).toStdString()}, {"packages", rows}};
     return QByteArray::fromStdString(snapshot.dump());
-}
-
-QString snapshotPath(const QString& snapshotID, HomebrewCatalogKind kind)
-{
-    return u"/v1/catalog/snapshots/"_s + snapshotID + u'/' + rawValue(kind) + u".json"_s;
 }
 
 QByteArray manifestJson(const QString& snapshotID, const QByteArray& formulaBytes, const QByteArray& caskBytes)
 {
     const auto artifact = [&](HomebrewCatalogKind kind, const QByteArray& bytes) {
         const auto parsed = Json::parse(bytes.toStdString());
-        return Json {{"path", snapshotPath(snapshotID, kind).toStdString()},
+        const QString path = u"/v1/catalog/snapshots/"_s + snapshotID + u'/' + rawValue(kind) + u".json"_s;
+        return Json {{"path", path.toStdString()},
                      {"sha256", QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex().toStdString()},
                      {"byteCount", bytes.size()},
                      {"packageCount", parsed["packages"].size()}};

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QFile>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -19,11 +20,6 @@ struct FixturePackage
     QString summary {};
     QStringList aliases {};
     std::optional<qint64> thirtyDays {};
-    std::optional<qint64> ninetyDays {};
-    std::optional<qint64> threeHundredSixtyFiveDays {};
-    QString version = QStringLiteral("1.0");
-    bool isDeprecated = false;
-    bool isDisabled = false;
 };
 
 // Test tables are written with plain literals.
@@ -35,11 +31,23 @@ inline QStringList strings(const std::vector<const char*>& items)
     return out;
 }
 
+template <typename Rows> QStringList identifiers(const Rows& rows)
+{
+    QStringList out;
+    for (const auto& row : rows)
+        out.append(row.identifier);
+    return out;
+}
+
+inline QByteArray readFile(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
+}
+
 QByteArray snapshotJson(HomebrewCatalogKind kind, const QList<FixturePackage>& packages, int schemaVersion = 1);
 
 // A manifest whose artifacts describe the given snapshot bytes exactly.
 QByteArray manifestJson(const QString& snapshotID, const QByteArray& formulaBytes, const QByteArray& caskBytes);
-
-QString snapshotPath(const QString& snapshotID, HomebrewCatalogKind kind);
 
 } // namespace quillbay::test

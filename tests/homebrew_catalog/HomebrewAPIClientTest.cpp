@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "CatalogFixtures.h"
 #include "CatalogSignature.h"
 #include "ScriptedHttpServer.h"
 #include "homebrew_catalog/HomebrewAPIClient.h"
@@ -47,15 +48,9 @@ HomebrewResult<QByteArray> await(QFuture<HomebrewResult<QByteArray>> future)
     return future.result();
 }
 
-QByteArray readFile(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
-}
-
 } // namespace
 
-TEST(HomebrewAPIClientTest, SignedFetchStoresBodyAndValidatorsThenAsksConditionally)
+TEST(HomebrewAPIClientTest, SignedFetchReplacesACorruptSidecarThenAsksConditionally)
 {
     TempTree tree;
     ScriptedHttpServer server;
@@ -63,6 +58,8 @@ TEST(HomebrewAPIClientTest, SignedFetchStoresBodyAndValidatorsThenAsksConditiona
         return ScriptedHttpServer::Reply {
             200, "{\"name\":\"openssl@3\"}", {{"ETag", "\"v1\""}, {"Last-Modified", "Tue, 01 Jul 2025 00:00:00 GMT"}}};
     };
+    // A corrupt sidecar makes the first request unconditional, without an error.
+    tree.writeFile(detailEndpoint.cacheStem() + u".metadata.json"_s, "{\"etag\":\"no date\"");
     const auto client = makeClient(server.baseURL(), tree.root());
 
     const auto first = await(client->fetch(detailEndpoint, true, acceptAll));
@@ -93,38 +90,6 @@ TEST(HomebrewAPIClientTest, SignedFetchStoresBodyAndValidatorsThenAsksConditiona
     EXPECT_FALSE(server.requests[2].headers.contains("if-none-match"));
 }
 
-TEST(HomebrewAPIClientTest, ConditionalHeadersFollowWhatTheSidecarHolds)
-{
-    struct Row
-    {
-        const char* name;
-        QByteArray sidecar;
-        QByteArray ifNoneMatch;
-        QByteArray ifModifiedSince;
-    };
-    const Row rows[] = {
-        {"etag only", "{\"fetchedAt\":1,\"etag\":\"W/\\\"x\\\"\"}", "W/\"x\"", {}},
-        {"last-modified only",
-         "{\"fetchedAt\":1,\"lastModified\":\"Mon, 02 Jan 2006 15:04:05 GMT\"}",
-         {},
-         "Mon, 02 Jan 2006 15:04:05 GMT"},
-        {"corrupt sidecar: unconditional, no error", "{\"etag\":\"no date\"", {}, {}},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        TempTree tree;
-        tree.writeFile(detailEndpoint.cacheStem() + u".metadata.json"_s, row.sidecar);
-        ScriptedHttpServer server;
-        server.script = [](const ScriptedHttpServer::Request&) { return ScriptedHttpServer::Reply {200, "{}", {}}; };
-        const auto client = makeClient(server.baseURL(), tree.root());
-        const auto result = await(client->fetch(detailEndpoint, true, acceptAll));
-        ASSERT_TRUE(result.ok()) << result.error().debugDescription().toStdString();
-        ASSERT_EQ(server.requests.size(), 1);
-        EXPECT_EQ(server.requests[0].headers.value("if-none-match"), row.ifNoneMatch);
-        EXPECT_EQ(server.requests[0].headers.value("if-modified-since"), row.ifModifiedSince);
-    }
-}
-
 TEST(HomebrewAPIClientTest, EveryFailureLeavesTheCacheAsItsRowSays)
 {
     const QByteArray oldBody("{\"old\":true}");
@@ -147,14 +112,11 @@ TEST(HomebrewAPIClientTest, EveryFailureLeavesTheCacheAsItsRowSays)
     const int all = conditional | body | sidecar;
     const Row rows[] = {
         {"204 without a body", 204, {}, all, Expect::invalidResponse, oldBody, oldSidecar},
-        {"200 with an empty body", 200, {}, 0, Expect::invalidResponse, missing, missing},
         {"404", 404, "{}", all, Expect::httpStatus, oldBody, oldSidecar},
-        {"500", 500, "oops", body | sidecar, Expect::httpStatus, oldBody, oldSidecar},
         {"200 failing validation", 200, "{\"new\":1}", all | refuse, Expect::validation, oldBody, oldSidecar},
         {"200, body write fails", 200, "{\"new\":1}", conditional | sidecar | blockBody, Expect::file, {}, oldSidecar},
         {"304 without a body file", 304, {}, conditional | sidecar, Expect::missingCached, missing, oldSidecar},
         {"304 to an unconditional request uses the cache", 304, {}, body | sidecar, Expect::ok, oldBody, touched},
-        {"304 whose cached body fails validation", 304, {}, all | refuse, Expect::validation, oldBody, oldSidecar},
         {"304 with a body and no sidecar makes none", 304, {}, conditional | body, Expect::ok, oldBody, missing},
     };
     for (const Row& row : rows) {
@@ -223,17 +185,6 @@ TEST(HomebrewAPIClientTest, NoRequestForAPathWithoutLeadingSlash)
     EXPECT_TRUE(server.requests.isEmpty());
 }
 
-TEST(HomebrewAPIClientTest, ANonHTTPResponseIsInvalid)
-{
-    TempTree tree;
-    // The manifest path exists as a compiled-in resource, so the answer has bytes but no HTTP status.
-    const auto client = makeClient(u"qrc:"_s, tree.root());
-    const auto result = await(client->fetch(HomebrewEndpoint::catalogManifest(), false, acceptAll));
-    ASSERT_FALSE(result.ok());
-    ASSERT_NE(result.error().apiError(), nullptr) << result.error().debugDescription().toStdString();
-    EXPECT_EQ(*result.error().apiError(), HomebrewAPIError::invalidResponse());
-}
-
 TEST(HomebrewAPIClientTest, TransportFailureAndCancellationPassThroughUnchanged)
 {
     TempTree tree;
@@ -258,35 +209,4 @@ TEST(HomebrewAPIClientTest, TransportFailureAndCancellationPassThroughUnchanged)
     ASSERT_FALSE(cancelled.ok());
     EXPECT_TRUE(cancelled.error().isCancellation());
     EXPECT_FALSE(QFile::exists(HomebrewCacheService(tree.root()).bodyPath(detailEndpoint)));
-}
-
-TEST(HomebrewAPIClientTest, FreshnessFollowsTheSidecarDate)
-{
-    struct Row
-    {
-        const char* name;
-        std::optional<QByteArray> sidecar;
-        double maxAge;
-        bool fresh;
-    };
-    const double now = HomebrewCacheService::referenceSeconds(fetchTime);
-    const auto at
-        = [](double seconds) { return QByteArray("{\"fetchedAt\":") + QByteArray::number(seconds, 'f', 3) + '}'; };
-    const Row rows[] = {
-        {"no sidecar", std::nullopt, 86400, false},
-        {"23 hours old", at(now - 23 * 3600), 86400, true},
-        {"exactly 24 hours old", at(now - 86400), 86400, false},
-        {"in the future", at(now + 3600), 86400, true},
-        {"corrupt", QByteArray("{\"fetchedAt\":"), 86400, false},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        TempTree tree;
-        if (row.sidecar)
-            tree.writeFile(detailEndpoint.cacheStem() + u".metadata.json"_s, *row.sidecar);
-        const auto client = makeClient(u"http://127.0.0.1:1"_s, tree.root());
-        auto fresh = client->isFresh(detailEndpoint, row.maxAge);
-        ASSERT_TRUE(waitUntil([&] { return fresh.isFinished(); }));
-        EXPECT_EQ(fresh.result(), row.fresh);
-    }
 }

@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "CatalogFixtures.h"
 #include "homebrew_catalog/HomebrewCacheService.h"
-#include "platform/UserPaths.h"
 #include "testsupport/TempTree.h"
 
 using namespace quillbay;
@@ -13,12 +13,6 @@ using namespace quillbay::test;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-QByteArray readAll(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 QStringList listing(const QString& folder)
 {
@@ -29,21 +23,6 @@ const QDateTime epoch = QDateTime::fromMSecsSinceEpoch(0, Qt::UTC);
 
 } // namespace
 
-TEST(HomebrewCacheServiceTest, MissingFolderIsMadeAndEmptyFolderGivesDefaults)
-{
-    TempTree tree;
-    HomebrewCacheService cache(tree.path(u"a/b/HomebrewCatalog"_s));
-    const auto state = cache.readRefreshState();
-    ASSERT_TRUE(state.ok());
-    EXPECT_EQ(state.value(), HomebrewCacheService::RefreshState {});
-    EXPECT_TRUE(tree.exists(u"a/b/HomebrewCatalog"_s));
-    const auto manifest = cache.readValidatedManifest();
-    ASSERT_TRUE(manifest.ok());
-    EXPECT_FALSE(manifest.value().has_value());
-    EXPECT_EQ(HomebrewCacheService::defaultRootPath(UserPaths::forHome(tree.root())),
-              tree.root() + u"/.cache/Quillbay/HomebrewCatalog"_s);
-}
-
 TEST(HomebrewCacheServiceTest, RootThatIsAFileFailsEveryOperation)
 {
     TempTree tree;
@@ -52,64 +31,6 @@ TEST(HomebrewCacheServiceTest, RootThatIsAFileFailsEveryOperation)
     EXPECT_TRUE(cache.readRefreshState().error().isFileError());
     EXPECT_FALSE(cache.store(HomebrewEndpoint::catalogManifest(), "{}", {epoch, {}, {}}).ok());
     EXPECT_FALSE(cache.hasBody(HomebrewEndpoint::catalogManifest()).ok());
-}
-
-TEST(HomebrewCacheServiceTest, StoreWritesBodyBytesAndSidecarInReferenceDateForm)
-{
-    TempTree tree;
-    HomebrewCacheService cache(tree.root());
-    const auto endpoint = HomebrewEndpoint::formulaDetail(u"openssl@3"_s);
-    const QByteArray body(" {\"name\" : \"openssl@3\"}\n"); // kept byte for byte, never re-encoded
-    ASSERT_TRUE(cache.store(endpoint, body, {epoch, u"\"abc\""_s, std::nullopt}).ok());
-
-    EXPECT_EQ(readAll(tree.path(u"proxy-v1-formula-detail-openssl@3.json"_s)), body);
-    const QByteArray sidecar = readAll(tree.path(u"proxy-v1-formula-detail-openssl@3.metadata.json"_s));
-    EXPECT_EQ(sidecar, "{\"fetchedAt\":-978307200.0,\"etag\":\"\\\"abc\\\"\"}");
-
-    const auto metadata = cache.readMetadata(endpoint);
-    ASSERT_TRUE(metadata.ok() && metadata.value().has_value());
-    EXPECT_EQ(metadata.value()->fetchedAt, epoch);
-    EXPECT_EQ(metadata.value()->etag, u"\"abc\""_s);
-    EXPECT_FALSE(metadata.value()->lastModified.has_value());
-    EXPECT_EQ(cache.bodyPath(endpoint), tree.path(u"proxy-v1-formula-detail-openssl@3.json"_s));
-}
-
-TEST(HomebrewCacheServiceTest, SidecarDecodingTable)
-{
-    struct Row
-    {
-        const char* name;
-        QByteArray json;
-        bool ok;
-        double seconds;
-        std::optional<QString> etag;
-        std::optional<QString> lastModified;
-    };
-    const Row rows[] = {
-        {"fraction kept", "{\"fetchedAt\":757382400.25}", true, 757382400.25, {}, {}},
-        {"integer date",
-         "{\"fetchedAt\":0,\"lastModified\":\"Mon, 01 Jan 2001 00:00:00 GMT\"}",
-         true,
-         0,
-         {},
-         u"Mon, 01 Jan 2001 00:00:00 GMT"_s},
-        {"null etag is absent", "{\"fetchedAt\":1,\"etag\":null}", true, 1, {}, {}},
-        {"missing fetchedAt", "{\"etag\":\"x\"}", false, 0, {}, {}},
-        {"date as text", "{\"fetchedAt\":\"2001-01-01\"}", false, 0, {}, {}},
-        {"etag as number", "{\"fetchedAt\":1,\"etag\":5}", false, 0, {}, {}},
-        {"truncated", "{\"fetchedAt\":1", false, 0, {}, {}},
-        {"not an object", "[]", false, 0, {}, {}},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        const auto decoded = HomebrewCacheService::decodeMetadata(row.json);
-        ASSERT_EQ(decoded.ok(), row.ok);
-        if (!row.ok)
-            continue;
-        EXPECT_DOUBLE_EQ(HomebrewCacheService::referenceSeconds(decoded.value().fetchedAt), row.seconds);
-        EXPECT_EQ(decoded.value().etag, row.etag);
-        EXPECT_EQ(decoded.value().lastModified, row.lastModified);
-    }
 }
 
 TEST(HomebrewCacheServiceTest, TouchNeverMakesASidecarNorRepairsABrokenOne)
@@ -122,7 +43,7 @@ TEST(HomebrewCacheServiceTest, TouchNeverMakesASidecarNorRepairsABrokenOne)
 
     tree.writeFile(u"proxy-v1-catalog-manifest.metadata.json"_s, "{broken");
     EXPECT_TRUE(cache.touch(endpoint, epoch.addSecs(3600)).error().isDecodingError());
-    EXPECT_EQ(readAll(tree.path(u"proxy-v1-catalog-manifest.metadata.json"_s)), "{broken");
+    EXPECT_EQ(readFile(tree.path(u"proxy-v1-catalog-manifest.metadata.json"_s)), "{broken");
 }
 
 TEST(HomebrewCacheServiceTest, RefreshStateKeepsTheOtherDateAndStaysCorrupt)
@@ -132,7 +53,7 @@ TEST(HomebrewCacheServiceTest, RefreshStateKeepsTheOtherDateAndStaysCorrupt)
     const QDateTime check = QDateTime::fromSecsSinceEpoch(1700000000, Qt::UTC);
     const auto afterCheck = cache.recordCheck(check);
     ASSERT_TRUE(afterCheck.ok());
-    EXPECT_EQ(readAll(tree.path(u"refresh-state.json"_s)), "{\"lastCheckDate\":721692800.0}");
+    EXPECT_EQ(readFile(tree.path(u"refresh-state.json"_s)), "{\"lastCheckDate\":721692800.0}");
 
     const auto afterSuccess = cache.recordSuccess(check.addSecs(10));
     ASSERT_TRUE(afterSuccess.ok());
@@ -144,7 +65,7 @@ TEST(HomebrewCacheServiceTest, RefreshStateKeepsTheOtherDateAndStaysCorrupt)
     EXPECT_FALSE(cache.readRefreshState().ok());
     EXPECT_FALSE(cache.recordCheck(check).ok());
     EXPECT_FALSE(cache.recordSuccess(check).ok());
-    EXPECT_EQ(readAll(tree.path(u"refresh-state.json"_s)), "{\"lastCheckDate\":\"yesterday\"}");
+    EXPECT_EQ(readFile(tree.path(u"refresh-state.json"_s)), "{\"lastCheckDate\":\"yesterday\"}");
 }
 
 TEST(HomebrewCacheServiceTest, ValidatedManifestPrunesOnlyStaleSnapshotFiles)

@@ -40,41 +40,34 @@ QString sha256(const QByteArray& bytes)
     return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
 }
 
-// What a check should give: success, a processing case, or a decoding error.
+// What a check should give: success, a decoding error, or a refusal of its case. Every
+// unsupported schema in these tables is version 2.
 struct Expectation
 {
     enum Kind { success, processing, decoding } kind;
     Case processingCase = Case::invalidManifest;
-    qint64 version = 0;
 };
+const Expectation succeeds {Expectation::success};
+const Expectation notDecodable {Expectation::decoding};
+Expectation refused(Case processingCase)
+{
+    return {Expectation::processing, processingCase};
+}
 
 void expectOutcome(const HomebrewStatus& status, const Expectation& expected)
 {
-    switch (expected.kind) {
-    case Expectation::success:
-        EXPECT_TRUE(status.ok()) << status.error().debugDescription().toStdString();
-        return;
-    case Expectation::processing:
-        ASSERT_FALSE(status.ok());
-        ASSERT_NE(status.error().processingError(), nullptr) << status.error().debugDescription().toStdString();
-        EXPECT_EQ(status.error().processingError()->kind, expected.processingCase)
-            << status.error().debugDescription().toStdString();
-        if (expected.processingCase == Case::unsupportedSchemaVersion) {
-            EXPECT_EQ(status.error().processingError()->version, expected.version);
+    const std::string description = status.ok() ? std::string() : status.error().debugDescription().toStdString();
+    ASSERT_EQ(status.ok(), expected.kind == Expectation::success) << description;
+    if (expected.kind == Expectation::decoding) {
+        EXPECT_TRUE(status.error().isDecodingError()) << description;
+    } else if (expected.kind == Expectation::processing) {
+        const auto* error = status.error().processingError();
+        ASSERT_NE(error, nullptr) << description;
+        EXPECT_EQ(error->kind, expected.processingCase) << description;
+        if (error->kind == Case::unsupportedSchemaVersion) {
+            EXPECT_EQ(error->version, 2);
         }
-        return;
-    case Expectation::decoding:
-        ASSERT_FALSE(status.ok());
-        EXPECT_TRUE(status.error().isDecodingError()) << status.error().debugDescription().toStdString();
-        return;
     }
-}
-
-const Expectation succeeds {Expectation::success};
-const Expectation notDecodable {Expectation::decoding};
-Expectation refused(Case processingCase, qint64 version = 0)
-{
-    return {Expectation::processing, processingCase, version};
 }
 
 HomebrewStatus statusOf(const HomebrewResult<HomebrewCatalogManifest>& result)
@@ -103,11 +96,9 @@ TEST(HomebrewCatalogProcessorTest, ManifestChecksRunInOrderAndRefuseEveryMalform
              m["snapshotID"] = "";
              m["formula"]["byteCount"] = 0;
          },
-         refused(Case::unsupportedSchemaVersion, 2)},
+         refused(Case::unsupportedSchemaVersion)},
         {"empty id", [](Json& m) { m["snapshotID"] = ""; }, refused(Case::invalidManifest)},
         {"id with a slash", [](Json& m) { m["snapshotID"] = "a/b"; }, refused(Case::invalidManifest)},
-        {"id with a blank", [](Json& m) { m["snapshotID"] = "a b"; }, refused(Case::invalidManifest)},
-        {"id with a percent", [](Json& m) { m["snapshotID"] = "a%2F"; }, refused(Case::invalidManifest)},
         {"path of another id", [](Json& m) { m["formula"]["path"] = "/v1/catalog/snapshots/other/formula.json"; },
          refused(Case::invalidManifest)},
         {"cask path in the formula artifact", [](Json& m) { m["formula"]["path"] = m["cask"]["path"]; },
@@ -123,19 +114,9 @@ TEST(HomebrewCatalogProcessorTest, ManifestChecksRunInOrderAndRefuseEveryMalform
              m["cask"]["sha256"] = s;
          },
          refused(Case::invalidManifest)},
-        {"sha256 of 63 digits", [sha](Json& m) { m["formula"]["sha256"] = sha.left(63).toStdString(); },
-         refused(Case::invalidManifest)},
         {"byteCount 0", [](Json& m) { m["formula"]["byteCount"] = 0; }, refused(Case::invalidManifest)},
         {"packageCount 0", [](Json& m) { m["cask"]["packageCount"] = 0; }, refused(Case::invalidManifest)},
-        {"packageCount negative", [](Json& m) { m["cask"]["packageCount"] = -1; }, refused(Case::invalidManifest)},
-        {"missing source", [](Json& m) { m.erase("source"); }, notDecodable},
         {"schemaVersion as text", [](Json& m) { m["schemaVersion"] = "1"; }, notDecodable},
-        {"byteCount as a fraction", [](Json& m) { m["formula"]["byteCount"] = 1.5; }, notDecodable},
-        {"unknown keys are ignored",
-         [](Json& m) {
-             m["extra"] = Json {{"a", 1}};
-         },
-         succeeds},
         {"letters of other scripts in the id",
          [](Json& m) {
              const std::string id = "Sn\xC3\xA4pshot\xE2\x91\xA0";
@@ -162,9 +143,7 @@ TEST(HomebrewCatalogProcessorTest, SnapshotChecksRunSizeThenHashThenJson)
     oneByteAltered[oneByteAltered.indexOf("wget")] = 'W';
     const QByteArray brokenJson = QByteArray(good).replace("\"packages\":[", "\"packages\":{");
     const QByteArray schemaTwo = snapshotJson(HomebrewCatalogKind::formula, {{u"a"_s}}, 2);
-    const QByteArray caskBytes = caskSnapshot();
     const QByteArray wrongRowType = QByteArray(good).replace("\"isDisabled\":false", "\"isDisabled\":0");
-    const QByteArray missingAnalytics = QByteArray(good).replace("\"analytics\":{\"thirtyDays\":10},", "");
 
     // `claimed` is what the manifest promised (size and hash); empty means the bytes themselves.
     struct Row
@@ -183,12 +162,10 @@ TEST(HomebrewCatalogProcessorTest, SnapshotChecksRunSizeThenHashThenJson)
          refused(Case::unexpectedByteCount)},
         {"one byte altered", oneByteAltered, K::formula, good, 2, refused(Case::checksumMismatch)},
         {"broken JSON with a proven hash", brokenJson, K::formula, {}, 2, notDecodable},
-        {"schema 2", schemaTwo, K::formula, {}, 1, refused(Case::unsupportedSchemaVersion, 2)},
+        {"schema 2", schemaTwo, K::formula, {}, 1, refused(Case::unsupportedSchemaVersion)},
         {"formula snapshot for the cask artifact", good, K::cask, {}, 2, refused(Case::unexpectedCatalogKind)},
-        {"cask snapshot expected as formula", caskBytes, K::formula, {}, 1, refused(Case::unexpectedCatalogKind)},
         {"package count differs", good, K::formula, {}, 3, refused(Case::unexpectedPackageCount)},
         {"row field of the wrong type", wrongRowType, K::formula, {}, 2, notDecodable},
-        {"row without analytics", missingAnalytics, K::formula, {}, 2, notDecodable},
     };
     HomebrewCatalogProcessor processor;
     for (const Row& row : rows) {
@@ -200,30 +177,6 @@ TEST(HomebrewCatalogProcessorTest, SnapshotChecksRunSizeThenHashThenJson)
         const auto summaries = processor.summaries(row.kind, row.bytes, sha, claimed.size(), row.packageCount);
         expectOutcome(summaries ? homebrewSuccess() : HomebrewStatus(summaries.error()), row.expected);
     }
-}
-
-TEST(HomebrewCatalogProcessorTest, SummariesKeepSnapshotOrderDuplicatesAndAbsentCounts)
-{
-    const QByteArray bytes = snapshotJson(HomebrewCatalogKind::cask,
-                                          {{u"zed"_s, u"Zed"_s, u"Editor"_s, {u"zed-preview"_s}, 0},
-                                           {u"alpha"_s, u"Alpha"_s, u"  padded  "_s, {}},
-                                           {u"zed"_s, u"Zed again"_s, {}, {}, 3, 4, 5, u"2"_s, true, true}});
-    const auto rows
-        = HomebrewCatalogProcessor().summaries(HomebrewCatalogKind::cask, bytes, sha256(bytes), bytes.size(), 3);
-    ASSERT_TRUE(rows.ok());
-    const auto& list = rows.value();
-    ASSERT_EQ(list.size(), 3);
-    EXPECT_EQ(list[0].identifier, u"zed");
-    EXPECT_EQ(list[0].kind, HomebrewCatalogKind::cask);
-    EXPECT_EQ(list[0].aliases, QStringList {u"zed-preview"_s});
-    EXPECT_EQ(list[0].analytics.thirtyDays, 0);
-    EXPECT_FALSE(list[0].analytics.ninetyDays.has_value());
-    EXPECT_EQ(list[1].summary, u"  padded  ");
-    EXPECT_FALSE(list[1].analytics.thirtyDays.has_value());
-    EXPECT_EQ(list[2].displayName, u"Zed again");
-    EXPECT_TRUE(list[2].isDeprecated && list[2].isDisabled);
-    EXPECT_EQ(list[2].analytics.threeHundredSixtyFiveDays, 5);
-    EXPECT_EQ(list[0].id(), u"cask:zed");
 }
 
 TEST(HomebrewCatalogProcessorTest, SummariesKeepEveryTextExactAndOwnTheirMemory)
@@ -238,7 +191,6 @@ TEST(HomebrewCatalogProcessorTest, SummariesKeepEveryTextExactAndOwnTheirMemory)
     const Text texts[] = {
         {"plain", "wget", u"wget"_s},
         {"empty", "", u""_s},
-        {"accented", "caf\xC3\xA9", u"caf\u00e9"_s},
         {"outside the basic plane", "\xF0\x9F\x98\x80 grin", u"\U0001F600 grin"_s},
         // The UTF-8 decoder drops a byte order mark that opens a text, and only there.
         {"leading byte order mark", "\xEF\xBB\xBFmark", u"mark"_s},
@@ -298,13 +250,13 @@ TEST(HomebrewCatalogProcessorTest, SummariesKeepEveryTextExactAndOwnTheirMemory)
     QString survivor = rows[2].summary;
     QString neighbour = rows[3].summary;
     neighbour.append(u"-changed"_s);
-    EXPECT_EQ(rows[3].summary, u"\U0001F600 grin s"_s);
-    EXPECT_EQ(rows[2].summary, u"caf\u00e9 s"_s);
+    EXPECT_EQ(rows[3].summary, u"mark s"_s);
+    EXPECT_EQ(rows[2].summary, u"\U0001F600 grin s"_s);
     rows.clear();
     neighbour.clear();
     survivor.append(QString(20000, u'y'));
     survivor.prepend(u"<"_s);
-    EXPECT_EQ(survivor, u"<caf\u00e9 s"_s + QString(20000, u'y'));
+    EXPECT_EQ(survivor, u"<\U0001F600 grin s"_s + QString(20000, u'y'));
     EXPECT_TRUE(nullTerminated(survivor));
 }
 
@@ -324,14 +276,6 @@ HomebrewPackageSummary row(const QString& identifier,
     s.version = u"9.9-searchable-version"_s;
     s.analytics.thirtyDays = thirty;
     return s;
-}
-
-template <typename Rows> QStringList identifiers(const Rows& rows)
-{
-    QStringList out;
-    for (const auto& r : rows)
-        out.append(r.identifier);
-    return out;
 }
 
 } // namespace
@@ -368,15 +312,11 @@ TEST(HomebrewCatalogProcessorTest, FilteredMatchesFoldedTextAndSortsStably)
          {},
          S::nameDescending,
          "zero twin-b twin-a pkg10 pkg2 cafe big none"},
-        {"90 days all absent: name order", {}, S::installs90Days, byName},
         {"blank query of spaces and newlines keeps all", u"  \n\t "_s, S::nameAscending, byName},
         {"diacritics and case ignored", u" CAFE "_s, S::nameAscending, "cafe"},
-        {"accented query finds plain text", u"c\u00f6ffee"_s, S::nameAscending, "cafe"},
         {"only in an alias", u"nought"_s, S::nameAscending, "zero"},
         {"version is not searched", u"searchable-version"_s, S::nameAscending, ""},
-        {"identifier match", u"twin-a"_s, S::installs30Days, "twin-a"},
         {"a match may not span two fields", u"zerozero"_s, S::nameAscending, ""},
-        {"results sorted by the option", u"package"_s, S::nameDescending, "pkg10 pkg2"},
     };
     HomebrewCatalogProcessor processor;
     const HomebrewCatalogIndex index(rows);

@@ -21,7 +21,7 @@ using Fixture = CatalogServiceFixture;
 namespace {
 
 const QString refreshFailed = u"Some Homebrew data could not be updated. Cached data is shown when available."_s;
-const QString cacheUnreadable = u"The cached Homebrew data could not be read."_s;
+const QString validatedManifest = u"proxy-v1-validated-catalog-manifest.json"_s;
 
 const QList<Fixture::Formula> formulaeA {
     {u"wget"_s, u"Internet file retriever"_s},
@@ -32,9 +32,8 @@ const QList<Fixture::Cask> casksA {
     {u"firefox"_s, u"Mozilla Firefox"_s, u"Web browser"_s},
     {u"iterm2"_s, u"iTerm2"_s, u"Terminal emulator"_s},
 };
-const QList<std::pair<QString, QString>> installsA {{u"curl"_s, u"1,444,028"_s}, {u"wget"_s, u"98,765"_s}};
 
-// A store as the application builds it, on a temporary cache folder and settings file.
+// A store as the application builds it, on a cache folder and settings file under `root`.
 struct StoreUnderTest
 {
     StoreUnderTest(const QString& base, const QString& root, QDateTime* clock)
@@ -49,37 +48,14 @@ struct StoreUnderTest
             && !store->isFiltering();
     }
 
+    bool waitForCatalog() const
+    {
+        return waitUntil([&] { return idle() && store->catalogGeneration() > 0; });
+    }
+
     SettingsDefaults defaults;
     std::unique_ptr<HomebrewCatalogStore> store;
 };
-
-template <typename Rows> QStringList identifiers(const Rows& rows)
-{
-    QStringList out;
-    for (const auto& row : rows)
-        out.append(row.identifier);
-    return out;
-}
-
-QByteArray readFile(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void overwrite(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    ASSERT_EQ(file.write(bytes), bytes.size());
-}
-
-QString cacheFile(const TempTree& tree, const QString& name)
-{
-    return tree.path(u"cache/"_s + name);
-}
-
-const QString validatedManifest = u"proxy-v1-validated-catalog-manifest.json"_s;
 
 QString snapshotCacheName(const QString& id, HomebrewCatalogKind kind)
 {
@@ -93,21 +69,41 @@ bool settle(const HomebrewCatalogStore& store, const QFuture<void>& future)
     return waitUntil([&] { return future.isFinished() && !store.isFiltering(); }, 15000);
 }
 
+class CatalogStoreTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        service.publish(u"A"_s, formulaeA, casksA, {{u"curl"_s, u"1,444,028"_s}, {u"wget"_s, u"98,765"_s}});
+    }
+
+    std::unique_ptr<StoreUnderTest> storeAt(const QString& base)
+    {
+        return std::make_unique<StoreUnderTest>(base, tree.root(), &clock);
+    }
+    QString cacheFile(const QString& name) const { return tree.path(u"cache/"_s + name); }
+    bool cached(const QString& id, HomebrewCatalogKind kind) const
+    {
+        return QFile::exists(cacheFile(snapshotCacheName(id, kind)));
+    }
+
+    Fixture service;
+    TempTree tree;
+    const QDateTime start = QDateTime::fromSecsSinceEpoch(1750000000, Qt::UTC);
+    QDateTime clock = start;
+};
+
 } // namespace
 
-TEST(HomebrewCatalogStoreTest, FirstLoadThenNotModifiedRoundThenANewPair)
+TEST_F(CatalogStoreTest, FirstLoadThenNotModifiedRoundThenANewPair)
 {
-    Fixture service;
-    service.publish(u"A"_s, formulaeA, casksA, installsA);
-    TempTree tree;
-    QDateTime clock = QDateTime::fromSecsSinceEpoch(1750000000, Qt::UTC);
-    StoreUnderTest s(service.baseURL(), tree.root(), &clock);
-    HomebrewCatalogStore& store = *s.store;
+    auto s = storeAt(service.baseURL());
+    HomebrewCatalogStore& store = *s->store;
 
     QSignalSpy generations(&store, &HomebrewCatalogStore::catalogGenerationChanged);
     store.loadIfNeeded();
     store.loadIfNeeded(); // a second call while loading starts nothing
-    ASSERT_TRUE(waitUntil([&] { return s.idle() && store.catalogGeneration() > 0; }));
+    ASSERT_TRUE(s->waitForCatalog());
     EXPECT_FALSE(store.refreshErrorMessage().has_value());
     // Installs first, the unknown count last; curl's summary version carries its revision.
     EXPECT_EQ(identifiers(store.formulae()), strings({"curl", "wget", "openssl@3"}));
@@ -119,8 +115,7 @@ TEST(HomebrewCatalogStoreTest, FirstLoadThenNotModifiedRoundThenANewPair)
     EXPECT_EQ(store.lastCheckDate(), clock);
     EXPECT_EQ(store.lastSuccessfulRefreshDate(), clock);
     EXPECT_EQ(service.requests().size(), 3);
-    const QByteArray validatedA = readFile(cacheFile(tree, validatedManifest));
-    EXPECT_TRUE(validatedA.contains("\"snapshotID\":\"A\""));
+    EXPECT_TRUE(readFile(cacheFile(validatedManifest)).contains("\"snapshotID\":\"A\""));
 
     // Within a day nothing more is asked.
     store.loadIfNeeded();
@@ -140,88 +135,74 @@ TEST(HomebrewCatalogStoreTest, FirstLoadThenNotModifiedRoundThenANewPair)
     ASSERT_TRUE(settle(store, store.forceRefresh()));
     EXPECT_FALSE(store.refreshErrorMessage().has_value());
     EXPECT_EQ(store.allFormulae().size(), 2);
-    EXPECT_EQ(store.allCasks().size(), 3);
     EXPECT_EQ(store.casks().size(), 3);
     EXPECT_FALSE(store.summary({HomebrewCatalogKind::formula, u"openssl@3"_s}).has_value());
-    EXPECT_TRUE(readFile(cacheFile(tree, validatedManifest)).contains("\"snapshotID\":\"B\""));
-    EXPECT_FALSE(QFile::exists(cacheFile(tree, snapshotCacheName(u"A"_s, HomebrewCatalogKind::formula))));
-    EXPECT_TRUE(QFile::exists(cacheFile(tree, snapshotCacheName(u"B"_s, HomebrewCatalogKind::cask))));
+    EXPECT_TRUE(readFile(cacheFile(validatedManifest)).contains("\"snapshotID\":\"B\""));
+    EXPECT_FALSE(cached(u"A"_s, HomebrewCatalogKind::formula));
+    EXPECT_TRUE(cached(u"B"_s, HomebrewCatalogKind::cask));
     EXPECT_GE(generations.count(), 3);
 }
 
-TEST(HomebrewCatalogStoreTest, ServerDyingBetweenTheSnapshotsKeepsTheOldCatalog)
+TEST_F(CatalogStoreTest, ARefreshToABrokenPairKeepsTheOldCatalogAndItsFiles)
 {
-    Fixture service;
-    service.publish(u"A"_s, formulaeA, casksA, installsA);
-    DyingProxy proxy(static_cast<quint16>(QUrl(service.baseURL()).port()));
-    TempTree tree;
-    QDateTime clock = QDateTime::fromSecsSinceEpoch(1750000000, Qt::UTC);
-    StoreUnderTest s(u"http://127.0.0.1:%1"_s.arg(proxy.port()), tree.root(), &clock);
-    HomebrewCatalogStore& store = *s.store;
-    store.loadIfNeeded();
-    ASSERT_TRUE(waitUntil([&] { return s.idle() && store.catalogGeneration() > 0; }));
-    const QByteArray validatedA = readFile(cacheFile(tree, validatedManifest));
-    const auto formulaeBefore = store.formulae();
-
-    service.publish(u"B"_s, formulaeA.mid(1), casksA.mid(1));
-    proxy.dieOnRequestFor("/v1/catalog/snapshots/B/cask.json");
-    ASSERT_TRUE(settle(store, store.forceRefresh()));
-    EXPECT_TRUE(proxy.hasDied());
-    EXPECT_EQ(store.refreshErrorMessage(), refreshFailed);
-    EXPECT_EQ(store.formulae(), formulaeBefore);
-    EXPECT_EQ(store.allCasks().size(), 2);
-    EXPECT_EQ(readFile(cacheFile(tree, validatedManifest)), validatedA);
-    // The fetched manifest already follows the server.
-    EXPECT_TRUE(readFile(cacheFile(tree, u"proxy-v1-catalog-manifest.json"_s)).contains("\"snapshotID\":\"B\""));
-    EXPECT_FALSE(QFile::exists(cacheFile(tree, snapshotCacheName(u"B"_s, HomebrewCatalogKind::cask))));
-    EXPECT_TRUE(QFile::exists(cacheFile(tree, snapshotCacheName(u"A"_s, HomebrewCatalogKind::cask))));
-    // The failed attempt counts as a check: no retry from loadIfNeeded within the day.
-    EXPECT_EQ(store.lastCheckDate(), clock);
-    store.loadIfNeeded();
-    EXPECT_FALSE(store.hasLoadTask());
-}
-
-TEST(HomebrewCatalogStoreTest, SnapshotAlteredByOneByteIsRefusedAndNotWritten)
-{
-    Fixture service;
-    service.publish(u"A"_s, formulaeA, casksA);
-    TempTree tree;
-    QDateTime clock = QDateTime::fromSecsSinceEpoch(1750000000, Qt::UTC);
-    StoreUnderTest s(service.baseURL(), tree.root(), &clock);
-    HomebrewCatalogStore& store = *s.store;
-    store.loadIfNeeded();
-    ASSERT_TRUE(waitUntil([&] { return s.idle() && store.catalogGeneration() > 0; }));
-
-    service.publish(u"B"_s, formulaeA, casksA.mid(1));
-    const QString served = service.snapshotFile(u"B"_s, u"cask"_s);
-    QByteArray bytes = readFile(served);
-    const qsizetype at = bytes.indexOf("iTerm2");
-    ASSERT_GE(at, 0);
-    bytes[at] = 'J';
-    QFile::remove(served);
-    overwrite(served, bytes);
-
-    ASSERT_TRUE(settle(store, store.forceRefresh()));
-    EXPECT_EQ(store.refreshErrorMessage(), refreshFailed);
-    EXPECT_EQ(store.allCasks().size(), 2);
-    EXPECT_FALSE(QFile::exists(cacheFile(tree, snapshotCacheName(u"B"_s, HomebrewCatalogKind::cask))));
-    EXPECT_TRUE(readFile(cacheFile(tree, validatedManifest)).contains("\"snapshotID\":\"A\""));
-}
-
-TEST(HomebrewCatalogStoreTest, StartUpFromCacheVerifiesItAndFollowsTheDailyPolicy)
-{
-    Fixture service;
-    service.publish(u"A"_s, formulaeA, casksA, installsA);
-    TempTree tree;
-    const QDateTime start = QDateTime::fromSecsSinceEpoch(1750000000, Qt::UTC);
-    QDateTime clock = start;
+    // Each row publishes a new pair and breaks it: the server dies between the two snapshots,
+    // or serves a snapshot altered by one byte (same size: only the hash can tell).
+    struct Row
     {
-        StoreUnderTest s(service.baseURL(), tree.root(), &clock);
-        s.store->loadIfNeeded();
-        ASSERT_TRUE(waitUntil([&] { return s.idle() && s.store->catalogGeneration() > 0; }));
-    }
-    const qsizetype asked = service.requests().size();
+        const char* name;
+        const char* id;
+        bool dies;
+    };
+    for (const Row& row : {Row {"server dies", "B", true}, Row {"one byte altered", "C", false}}) {
+        SCOPED_TRACE(row.name);
+        const QString id = QString::fromLatin1(row.id);
+        DyingProxy proxy(static_cast<quint16>(QUrl(service.baseURL()).port()));
+        auto s = storeAt(u"http://127.0.0.1:%1"_s.arg(proxy.port()));
+        HomebrewCatalogStore& store = *s->store;
+        store.loadIfNeeded();
+        ASSERT_TRUE(s->waitForCatalog());
+        const QByteArray validatedBefore = readFile(cacheFile(validatedManifest));
+        const auto formulaeBefore = store.formulae();
 
+        service.publish(id, formulaeA.mid(1), casksA.mid(1));
+        if (row.dies) {
+            proxy.dieOnRequestFor(u"/v1/catalog/snapshots/%1/cask.json"_s.arg(id).toUtf8());
+        } else {
+            const QString served = service.snapshotFile(id, u"cask"_s);
+            QByteArray bytes = readFile(served);
+            const qsizetype at = bytes.indexOf("iTerm2");
+            ASSERT_GE(at, 0);
+            bytes[at] = 'J';
+            QFile::remove(served);
+            QFile file(served);
+            ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+        }
+        ASSERT_TRUE(settle(store, store.forceRefresh()));
+        EXPECT_EQ(proxy.hasDied(), row.dies);
+        EXPECT_EQ(store.refreshErrorMessage(), refreshFailed);
+        EXPECT_EQ(store.formulae(), formulaeBefore);
+        EXPECT_EQ(store.allCasks().size(), 2);
+        EXPECT_EQ(readFile(cacheFile(validatedManifest)), validatedBefore);
+        EXPECT_TRUE(validatedBefore.contains("\"snapshotID\":\"A\""));
+        // The fetched manifest already follows the server; the broken snapshot is never written.
+        EXPECT_TRUE(
+            readFile(cacheFile(u"proxy-v1-catalog-manifest.json"_s)).contains("\"snapshotID\":\"" + id.toUtf8()));
+        EXPECT_FALSE(cached(id, HomebrewCatalogKind::cask));
+        EXPECT_TRUE(cached(u"A"_s, HomebrewCatalogKind::cask));
+        // The failed attempt counts as a check: no retry from loadIfNeeded within the day.
+        EXPECT_EQ(store.lastCheckDate(), clock);
+        store.loadIfNeeded();
+        EXPECT_FALSE(store.hasLoadTask());
+    }
+}
+
+TEST_F(CatalogStoreTest, StartUpFromCacheVerifiesItAndFollowsTheDailyPolicy)
+{
+    {
+        auto first = storeAt(service.baseURL());
+        first->store->loadIfNeeded();
+        ASSERT_TRUE(first->waitForCatalog());
+    }
     struct Row
     {
         const char* name;
@@ -232,32 +213,27 @@ TEST(HomebrewCatalogStoreTest, StartUpFromCacheVerifiesItAndFollowsTheDailyPolic
         SCOPED_TRACE(row.name);
         clock = start.addSecs(row.hoursLater * 3600);
         const qsizetype askedBefore = service.requests().size();
-        StoreUnderTest s(service.baseURL(), tree.root(), &clock);
-        s.store->loadIfNeeded();
-        ASSERT_TRUE(waitUntil([&] { return s.idle() && s.store->catalogGeneration() > 0; }));
-        EXPECT_EQ(s.store->allFormulae().size(), 3);
+        auto s = storeAt(service.baseURL());
+        s->store->loadIfNeeded();
+        ASSERT_TRUE(s->waitForCatalog());
+        EXPECT_EQ(s->store->allFormulae().size(), 3);
         EXPECT_EQ(service.requests().size() > askedBefore, row.refreshes);
-        EXPECT_FALSE(s.store->refreshErrorMessage().has_value());
+        EXPECT_FALSE(s->store->refreshErrorMessage().has_value());
     }
-    EXPECT_GT(service.requests().size(), asked);
 }
 
-TEST(HomebrewCatalogStoreTest, CorruptCacheAtStartShowsItsMessageAndStillRefreshes)
+TEST_F(CatalogStoreTest, CorruptCacheAtStartShowsItsMessageAndStillRefreshes)
 {
-    Fixture service;
-    service.publish(u"A"_s, formulaeA, casksA);
-    TempTree tree;
-    QDateTime clock = QDateTime::fromSecsSinceEpoch(1750000000, Qt::UTC);
     {
-        StoreUnderTest s(service.baseURL(), tree.root(), &clock);
-        s.store->loadIfNeeded();
-        ASSERT_TRUE(waitUntil([&] { return s.idle() && s.store->catalogGeneration() > 0; }));
+        auto first = storeAt(service.baseURL());
+        first->store->loadIfNeeded();
+        ASSERT_TRUE(first->waitForCatalog());
     }
     // Same size, one byte different: only the hash can tell.
-    const QString cached = cacheFile(tree, snapshotCacheName(u"A"_s, HomebrewCatalogKind::formula));
-    QByteArray bytes = readFile(cached);
+    const QString cachedFormulae = cacheFile(snapshotCacheName(u"A"_s, HomebrewCatalogKind::formula));
+    QByteArray bytes = readFile(cachedFormulae);
     bytes[bytes.indexOf("wget")] = 'W';
-    overwrite(cached, bytes);
+    tree.writeFile(u"cache/"_s + QFileInfo(cachedFormulae).fileName(), bytes);
     tree.writeFile(u"cache/refresh-state.json"_s, "{\"lastCheckDate\":");
 
     // Offline: the refresh that follows fails too, and nothing is on show.
@@ -265,44 +241,41 @@ TEST(HomebrewCatalogStoreTest, CorruptCacheAtStartShowsItsMessageAndStillRefresh
     ASSERT_TRUE(closed.listen(QHostAddress::LocalHost, 0));
     const QString deadBase = u"http://127.0.0.1:%1"_s.arg(closed.serverPort());
     closed.close();
-    StoreUnderTest offline(deadBase, tree.root(), &clock);
+    auto offline = storeAt(deadBase);
     QStringList messages;
-    QObject::connect(offline.store.get(), &HomebrewCatalogStore::changed, offline.store.get(), [&] {
-        const auto& message = offline.store->refreshErrorMessage();
+    QObject::connect(offline->store.get(), &HomebrewCatalogStore::changed, offline->store.get(), [&] {
+        const auto& message = offline->store->refreshErrorMessage();
         if (message && (messages.isEmpty() || messages.last() != *message))
             messages.append(*message);
     });
-    offline.store->loadIfNeeded();
-    ASSERT_TRUE(waitUntil([&] { return offline.idle() && !messages.isEmpty() && messages.last() == refreshFailed; }));
-    EXPECT_EQ(messages.first(), cacheUnreadable);
-    EXPECT_TRUE(offline.store->allFormulae().isEmpty());
-    EXPECT_FALSE(offline.store->lastSuccessfulRefreshDate().has_value());
-    EXPECT_FALSE(offline.store->catalogHasPackages(HomebrewCatalogKind::cask));
+    offline->store->loadIfNeeded();
+    ASSERT_TRUE(waitUntil([&] { return offline->idle() && !messages.isEmpty() && messages.last() == refreshFailed; }));
+    EXPECT_EQ(messages.first(), u"The cached Homebrew data could not be read.");
+    EXPECT_TRUE(offline->store->allFormulae().isEmpty());
+    EXPECT_FALSE(offline->store->lastSuccessfulRefreshDate().has_value());
+    EXPECT_FALSE(offline->store->catalogHasPackages(HomebrewCatalogKind::cask));
     // Online, the service answers the snapshot requests with 304, and the corrupt cached body
     // fails its check again: a 304 is never taken on trust.
-    StoreUnderTest online(service.baseURL(), tree.root(), &clock);
-    online.store->loadIfNeeded();
-    ASSERT_TRUE(waitUntil([&] { return online.idle() && online.store->refreshErrorMessage() == refreshFailed; }));
-    EXPECT_TRUE(online.store->allFormulae().isEmpty());
+    auto online = storeAt(service.baseURL());
+    online->store->loadIfNeeded();
+    ASSERT_TRUE(waitUntil([&] { return online->idle() && online->store->refreshErrorMessage() == refreshFailed; }));
+    EXPECT_TRUE(online->store->allFormulae().isEmpty());
     // The catalog is empty, so the next appearance tries again at once; a new pair heals it.
     service.publish(u"B"_s, formulaeA, casksA);
-    online.store->loadIfNeeded();
-    ASSERT_TRUE(waitUntil([&] { return online.idle() && online.store->catalogGeneration() > 0; }));
-    EXPECT_FALSE(online.store->refreshErrorMessage().has_value());
-    EXPECT_EQ(online.store->allFormulae().size(), 3);
+    online->store->loadIfNeeded();
+    ASSERT_TRUE(online->waitForCatalog());
+    EXPECT_FALSE(online->store->refreshErrorMessage().has_value());
+    EXPECT_EQ(online->store->allFormulae().size(), 3);
 }
 
-TEST(HomebrewCatalogStoreTest, DestroyingTheStoreAtAnyPointOfALoadIsSafe)
+TEST_F(CatalogStoreTest, DestroyingTheStoreAtAnyPointOfALoadIsSafe)
 {
-    Fixture service;
-    service.publish(u"A"_s, formulaeA, casksA, installsA);
-    QDateTime clock = QDateTime::fromSecsSinceEpoch(1750000000, Qt::UTC);
     // Quitting can come at any moment of a load: during the manifest, the two snapshot
     // fetches, their validation or the cache writes. Each round stops one event later.
     for (int turns = 0; turns < 60; ++turns) {
         SCOPED_TRACE(turns);
-        TempTree tree;
-        auto s = std::make_unique<StoreUnderTest>(service.baseURL(), tree.root(), &clock);
+        TempTree fresh;
+        auto s = std::make_unique<StoreUnderTest>(service.baseURL(), fresh.root(), &clock);
         s->store->loadIfNeeded();
         for (int i = 0; i < turns && !s->idle(); ++i) {
             QCoreApplication::processEvents(QEventLoop::AllEvents);

@@ -1,6 +1,4 @@
 #include <QAction>
-#include <QCheckBox>
-#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -8,8 +6,6 @@
 #include <QScrollBar>
 
 #include "CatalogViewFixture.h"
-#include "core/views/UnavailablePanel.h"
-#include "homebrew_catalog/views/HomebrewCatalogColumnsPanel.h"
 #include "homebrew_catalog/views/HomebrewCatalogView.h"
 #include "homebrew_catalog/views/HomebrewPackageDetailView.h"
 #include "homebrew_catalog/views/HomebrewPackageTable.h"
@@ -98,11 +94,6 @@ TEST_F(CatalogViewTest, SearchLayerFollowsTheKindWithoutNewSearchesAndKeepsTheCa
         }
         EXPECT_EQ(store->searchResultGeneration(), searches);
     }
-    const auto* noResults = view->findChild<UnavailablePanel*>(u"noResultsView"_s);
-    ASSERT_NE(noResults, nullptr);
-    EXPECT_EQ(noResults->button(), nullptr);
-    EXPECT_EQ(noResults->title(), u"No Packages Found"_s);
-    EXPECT_EQ(noResults->description(), u"Try a different name, alias, or description."_s);
 
     // The catalog table underneath kept its rows and its place through the search.
     EXPECT_EQ(view->catalogTable()->focusPolicy(), Qt::NoFocus);
@@ -143,7 +134,6 @@ TEST_F(CatalogViewTest, SortMenuReordersTheTableAndMarksTheCurrentOption)
     };
     const Case cases[] = {
         {HomebrewSortOption::nameAscending, {u"curl"_s, u"libidn2"_s, u"openssl@3"_s, u"wget"_s}},
-        {HomebrewSortOption::nameDescending, {u"wget"_s, u"openssl@3"_s, u"libidn2"_s, u"curl"_s}},
         {HomebrewSortOption::installs30Days, {u"openssl@3"_s, u"curl"_s, u"wget"_s, u"libidn2"_s}},
     };
     for (const Case& c : cases) {
@@ -162,25 +152,6 @@ TEST_F(CatalogViewTest, SortMenuReordersTheTableAndMarksTheCurrentOption)
         }
     }
     EXPECT_EQ(defaults->value(HomebrewCatalogStore::sortOptionKey).toString(), u"installs30Days"_s);
-}
-
-TEST_F(CatalogViewTest, ColumnTogglesHideColumnsUntilOnlyTheNameRemains)
-{
-    HomebrewPackageTable* table = view->catalogTable();
-    const QList<QCheckBox*>& switches = view->columnsPanel()->switches();
-    ASSERT_EQ(switches.size(), 5);
-    for (QCheckBox* box : switches)
-        if (box->isChecked())
-            box->click();
-    for (int column = 1; column < HomebrewPackageTableModel::columnTotal; ++column)
-        EXPECT_TRUE(table->isColumnHidden(column)) << column;
-    EXPECT_FALSE(table->isColumnHidden(HomebrewPackageTableModel::nameColumn));
-    EXPECT_TRUE(store->visibleColumns().isEmpty());
-    switches[4]->click();
-    EXPECT_FALSE(table->isColumnHidden(
-        HomebrewPackageTableModel::columnIndex(HomebrewCatalogColumn::threeHundredSixtyFiveDays)));
-    EXPECT_TRUE(
-        defaults->boolValue(HomebrewCatalogStore::columnKey(HomebrewCatalogColumn::threeHundredSixtyFiveDays), false));
 }
 
 TEST_F(CatalogViewTest, SearchHistoryMenuListsSubmittedQueriesAndClears)
