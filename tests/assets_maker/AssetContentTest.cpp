@@ -1,11 +1,8 @@
-#include <QDir>
-
 #include <gtest/gtest.h>
 
-#include "AssetTestImages.h"
 #include "assets_maker/AssetContent.h"
 #include "assets_maker/AssetMakerError.h"
-#include "testsupport/TempTree.h"
+#include "assets_maker/AssetSize.h"
 
 using namespace quillbay;
 
@@ -45,34 +42,46 @@ TEST(AssetContentTest, ReadingDropsEveryOtherKeyAndWritingKeepsTheDeclaredOrder)
     EXPECT_EQ(decodeAssetContent(encodeAssetContent(content)), content);
 }
 
-TEST(AssetContentTest, BrokenTemplatesFailWithTheDecodingError)
+// The grammar and the pixel arithmetic in one table: every size that does not parse, and
+// every bad scale, is corrupt data when its pixels are asked for.
+TEST(AssetSizeTest, PixelSizeMultipliesInFloatsAndRefusesBadSizesAndScales)
 {
-    using Kind = AssetMakerError::Kind;
-    const std::pair<QByteArray, Kind> cases[] = {
-        {"", Kind::corruptData},
-        {R"({"images" : [ {"idiom" : "mac", "size" : "16x16", "filename" : "a.png"})", Kind::corruptData}, // cut off
-        {R"({"info" : {}})", Kind::missingValue},
-        {R"({"images" : [ {"idiom" : "mac", "size" : "16x16"} ]})", Kind::missingValue},
-        {R"({"images" : [ {"idiom" : "mac", "size" : 16, "filename" : "a.png"} ]})", Kind::corruptData},
+    struct Case
+    {
+        const char16_t* size;
+        const char* scale; // nullptr: absent
+        int width = -1, height = -1; // -1: corrupt data
     };
-    for (const auto& [json, kind] : cases) {
-        SCOPED_TRACE(json.toStdString());
-        EXPECT_EQ(test::errorKind([&] { decodeAssetContent(json); }), kind);
+    const Case cases[] = {
+        {u"20x20", nullptr, 20, 20},
+        {u"83.5x83.5", "2x", 167, 167},
+        {u"0.9x0.4", "1x", 0, 0},
+        {u"1.x.5", "2x", 2, 1},
+        {u"20X20", "1x"},
+        {u" 20x20", "1x"},
+        {u"1e3x1e3", "1x"},
+        {u"\u0662\u0660x\u0662\u0660", "1x"}, // Arabic-Indic digits
+        {u"99999999999999999999999999999999999999999999x1", "1x"}, // infinite as a float
+        {u"3000000000x1", "1x"}, // past any image side
+        {u"20x20", "4x"},
+    };
+    for (const Case& c : cases) {
+        const QString size = QString::fromUtf16(c.size);
+        SCOPED_TRACE(size.toStdString() + " @ " + (c.scale ? c.scale : "none"));
+        const AssetItem item {QStringLiteral("mac"), std::nullopt, size, QStringLiteral("a.png"),
+                              c.scale ? std::optional(QString::fromLatin1(c.scale)) : std::nullopt};
+        if (c.width >= 0) {
+            EXPECT_EQ(assetPixelSize(item), QSize(c.width, c.height));
+            ASSERT_TRUE(parseAssetSize(size).has_value());
+            EXPECT_EQ(parseAssetSize(size)->text, size);
+            continue;
+        }
+        try {
+            assetPixelSize(item);
+            ADD_FAILURE() << "no error";
+        } catch (const AssetMakerError& error) {
+            EXPECT_EQ(error.kind(), AssetMakerError::Kind::corruptData);
+            EXPECT_EQ(error.code(), 4864);
+        }
     }
-    EXPECT_EQ(decodeAssetContent(R"({"images" : []})").images.size(), 0);
-}
-
-TEST(AssetContentTest, WritesContentsJsonAtomically)
-{
-    test::TempTree tree;
-    const AssetContent content {{{QStringLiteral("mac"), std::nullopt, QStringLiteral("16x16"),
-                                  QStringLiteral("icon_16x16.png"), QStringLiteral("1x")}}};
-    const QString folder = tree.mkdir(QStringLiteral("set"));
-    tree.writeFile(QStringLiteral("set/Contents.json"), "old and longer than the new file, to be replaced whole");
-    writeAssetContents(content, folder);
-    // Left-over bytes of the old file would not decode.
-    EXPECT_EQ(readAssetContent(folder, QStringLiteral("Contents.json")), content);
-    EXPECT_EQ(QDir(folder).entryList(QDir::Files), QStringList {QStringLiteral("Contents.json")});
-    EXPECT_EQ(test::errorKind([&] { writeAssetContents(content, tree.path(QStringLiteral("no/such/folder"))); }),
-              AssetMakerError::Kind::writeFailed);
 }

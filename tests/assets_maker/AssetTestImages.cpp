@@ -20,14 +20,6 @@ QByteArray cornerMarkedPng(int width, int height, const QColor& corner, const QC
     return bytes;
 }
 
-QImage readPng(const QString& path)
-{
-    QImage image;
-    if (!image.load(path, "PNG"))
-        return {};
-    return image;
-}
-
 bool pngHasAlphaChannel(const QString& path)
 {
     QFile file(path);

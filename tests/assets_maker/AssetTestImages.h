@@ -15,7 +15,10 @@ namespace quillbay::test {
 QByteArray cornerMarkedPng(int width, int height, const QColor& corner, const QColor& fill);
 
 // The PNG file as decoded from disk; null when it is missing or no PNG.
-QImage readPng(const QString& path);
+inline QImage readPng(const QString& path)
+{
+    return QImage(path, "PNG");
+}
 
 // True when the file's colour type carries an alpha channel (RGBA or grey+alpha), read
 // from the IHDR chunk rather than from what a decoder makes of it.

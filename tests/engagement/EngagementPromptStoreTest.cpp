@@ -1,9 +1,12 @@
+#include <QSignalSpy>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
+#include "engagement/EngagementPromptPresenter.h"
 #include "engagement/EngagementPromptStore.h"
 #include "foundation/Defaults.h"
+#include "testsupport/TestEnvironment.h"
 
 using namespace quillbay;
 using namespace Qt::StringLiterals;
@@ -27,6 +30,19 @@ std::optional<PromptKind> succeedAndConsume(EngagementPromptStore& store, const 
     store.recordSuccessfulAction(at);
     return store.consumeDuePrompt(at.addSecs(3));
 }
+
+struct Presented
+{
+    QTemporaryDir dir;
+    SettingsDefaults defaults {dir.filePath(u"d.ini"_s)};
+    // A short delay keeps the test quick; the rules do not depend on its length.
+    EngagementPromptStore store {defaults, u"1.0"_s, EngagementPromptStore::defaultAutomaticTipCooldown, 0.2};
+    QDateTime clock = QDateTime(QDate(2025, 6, 1), QTime(9, 0), Qt::UTC);
+    bool active = true;
+    int reviews = 0;
+    EngagementPromptPresenter presenter {store,
+                                         {[this] { return clock; }, [this] { return active; }, [this] { ++reviews; }}};
+};
 
 } // namespace
 
@@ -81,11 +97,6 @@ TEST(EngagementPromptStoreTest, SecondSuccessRules)
          true,
          PromptKind::review,
          {}},
-        {"a date of the wrong type counts as none",
-         {{tipDate, u"yesterday"_s}},
-         true,
-         PromptKind::review,
-         PromptKind::tip},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -101,74 +112,6 @@ TEST(EngagementPromptStoreTest, SecondSuccessRules)
         store.recordSuccessfulAction(kT0.addSecs(c.consumeFirst ? 10 : 1));
         EXPECT_EQ(store.pendingPrompt() ? std::optional(store.pendingPrompt()->kind) : std::nullopt, c.second);
     }
-}
-
-TEST(EngagementPromptStoreTest, TheCountStartsOverWithEachVersionButTippingStays)
-{
-    struct Case
-    {
-        const char* name;
-        QVariant storedVersion;
-        QVariant storedCount;
-        QString currentVersion;
-        qint64 expectedCount;
-        bool resetWritten;
-    };
-    const Case cases[] = {
-        {"same version", u"3.0"_s, qint64(5), u"3.0"_s, 5, false},
-        {"negative count reads as 0", u"3.0"_s, qint64(-3), u"3.0"_s, 0, false},
-        {"new version", u"2.9"_s, qint64(5), u"3.0"_s, 0, true},
-        {"no usable version writes nothing", u"2.9"_s, qint64(5), u"--"_s, 0, false},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        DefaultsFile d;
-        auto defaults = d.open();
-        defaults->setValue(u"engagementPrompt.version"_s, c.storedVersion);
-        defaults->setValue(u"engagementPrompt.successfulActionCount"_s, c.storedCount);
-        defaults->setValue(u"engagementPrompt.hasEverTipped"_s, true);
-        defaults->sync();
-        EngagementPromptStore store(*defaults, c.currentVersion);
-        EXPECT_EQ(store.successfulActionCount(), c.expectedCount);
-        EXPECT_TRUE(store.hasEverTipped());
-        if (c.currentVersion == u"--"_s) {
-            store.recordSuccessfulAction(kT0);
-            EXPECT_EQ(store.successfulActionCount(), 0) << "a versionless run does not count";
-            EXPECT_FALSE(store.pendingPrompt().has_value());
-        }
-        auto reread = d.open();
-        if (c.resetWritten) {
-            EXPECT_EQ(reread->value(u"engagementPrompt.version"_s).toString(), c.currentVersion);
-            EXPECT_EQ(reread->integerValue(u"engagementPrompt.successfulActionCount"_s, -1), 0);
-        } else {
-            EXPECT_EQ(reread->value(u"engagementPrompt.version"_s), c.storedVersion);
-            EXPECT_EQ(reread->value(u"engagementPrompt.successfulActionCount"_s).toString(), c.storedCount.toString());
-        }
-    }
-}
-
-TEST(EngagementPromptStoreTest, ATipClearsAWaitingTipOfferButNotAReview)
-{
-    DefaultsFile d;
-    auto defaults = d.open();
-    EngagementPromptStore store(*defaults, u"4.0"_s);
-    store.recordSuccessfulAction(kT0);
-    store.recordTip();
-    EXPECT_TRUE(store.hasEverTipped());
-    ASSERT_TRUE(store.pendingPrompt().has_value()) << "a waiting review stays";
-    EXPECT_EQ(store.pendingPrompt()->kind, PromptKind::review);
-    EXPECT_TRUE(d.open()->boolValue(u"engagementPrompt.hasEverTipped"_s, false));
-
-    DefaultsFile d2;
-    auto defaults2 = d2.open();
-    EngagementPromptStore tipping(*defaults2, u"4.0"_s);
-    EXPECT_EQ(succeedAndConsume(tipping, kT0), PromptKind::review);
-    tipping.recordSuccessfulAction(kT0.addSecs(30));
-    ASSERT_TRUE(tipping.pendingPrompt().has_value());
-    tipping.recordTip();
-    EXPECT_FALSE(tipping.pendingPrompt().has_value());
-    EXPECT_EQ(tipping.consumeDuePrompt(kT0.addSecs(60)), std::nullopt) << "no window opens";
-    EXPECT_FALSE(d2.open()->contains(u"engagementPrompt.lastAutoTipPromptDate"_s));
 }
 
 TEST(EngagementPromptStoreTest, APromptLostWithTheProcessComesAgain)
@@ -189,9 +132,57 @@ TEST(EngagementPromptStoreTest, APromptLostWithTheProcessComesAgain)
     ASSERT_TRUE(store.pendingPrompt().has_value());
     EXPECT_EQ(store.pendingPrompt()->kind, PromptKind::tip);
     EXPECT_FALSE(defaults->contains(u"LastReviewPromptVersion"_s));
+    // A tip clears a waiting tip offer: no window opens and no offer date is written.
+    store.recordTip();
+    EXPECT_TRUE(store.hasEverTipped());
+    EXPECT_EQ(store.consumeDuePrompt(kT0.addSecs(200)), std::nullopt);
+    EXPECT_FALSE(d.open()->contains(u"engagementPrompt.lastAutoTipPromptDate"_s));
 
-    // The next version asks for the review again: its mark was never set.
+    // The next version asks for the review again (its mark was never set), and a tip given
+    // meanwhile does not take a waiting review away.
     EngagementPromptStore next(*defaults, u"5.1"_s);
     EXPECT_EQ(next.successfulActionCount(), 0);
-    EXPECT_EQ(succeedAndConsume(next, kT0.addSecs(200)), PromptKind::review);
+    next.recordSuccessfulAction(kT0.addSecs(300));
+    next.recordTip();
+    EXPECT_EQ(next.consumeDuePrompt(kT0.addSecs(303)), PromptKind::review);
+    EXPECT_TRUE(next.hasEverTipped()) << "tipping stays across versions";
+    EXPECT_EQ(d.open()->value(u"engagementPrompt.version"_s).toString(), u"5.1"_s);
+
+    // A stored count below zero reads as 0; a run without a usable version counts nothing
+    // and writes nothing.
+    defaults->setValue(u"engagementPrompt.successfulActionCount"_s, qint64(-3));
+    defaults->sync();
+    EXPECT_EQ(EngagementPromptStore(*defaults, u"5.1"_s).successfulActionCount(), 0);
+    EngagementPromptStore versionless(*defaults, u"--"_s);
+    versionless.recordSuccessfulAction(kT0);
+    EXPECT_EQ(versionless.successfulActionCount(), 0);
+    EXPECT_FALSE(versionless.pendingPrompt().has_value());
+    auto reread = d.open();
+    EXPECT_EQ(reread->value(u"engagementPrompt.version"_s).toString(), u"5.1"_s);
+    EXPECT_EQ(reread->value(u"engagementPrompt.successfulActionCount"_s).toString(), u"-3"_s);
+}
+
+TEST(EngagementPromptPresenterTest, PresentsTheReviewWhenDueAndActiveAndTheTipAsTheWindow)
+{
+    Presented f;
+    QSignalSpy purchaseView(&f.store, &EngagementPromptStore::isPresentingPurchaseViewChanged);
+    f.store.recordSuccessfulAction(f.clock);
+    f.presenter.present(); // active, but the prompt is not due yet by the clock
+    EXPECT_EQ(f.reviews, 0);
+    f.active = false;
+    f.clock = f.clock.addSecs(3600); // long past notBefore, but in the background
+    EXPECT_FALSE(test::waitUntil([&] { return f.reviews > 0; }, 500));
+    ASSERT_TRUE(f.store.pendingPrompt().has_value()) << "still waiting";
+    f.active = true;
+    f.presenter.present(); // what becoming active runs
+    EXPECT_EQ(f.reviews, 1);
+    EXPECT_FALSE(f.store.pendingPrompt().has_value());
+    EXPECT_EQ(purchaseView.count(), 0);
+
+    // The tip offer comes by its timer, as the window.
+    f.store.recordSuccessfulAction(f.clock);
+    f.clock = f.clock.addMSecs(200); // the injected clock says it is due when the timer fires
+    ASSERT_TRUE(purchaseView.wait(3000));
+    EXPECT_TRUE(f.store.isPresentingPurchaseView());
+    EXPECT_EQ(f.reviews, 1);
 }
