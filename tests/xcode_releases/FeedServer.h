@@ -2,7 +2,6 @@
 
 #include <QByteArray>
 #include <QHttpServer>
-#include <QStringList>
 #include <QUrl>
 
 namespace quillbay::test {
@@ -13,12 +12,7 @@ class FeedServer
 {
 public:
     FeedServer();
-
-    void answer(int status, const QByteArray& body)
-    {
-        m_status = status;
-        m_body = body;
-    }
+    void answer(int status, const QByteArray& body) { m_status = status, m_body = body; }
     QUrl feedURL() const { return m_url; }
     int requestCount() const { return m_requests; }
 
@@ -30,10 +24,9 @@ private:
     int m_requests = 0;
 };
 
-// A small valid feed of two releases, one final and one beta, with keys the records
-// don't know, so that byte-for-byte caching is visible.
+// Two valid feeds: two releases (a final and a beta, with keys the records don't know, so
+// byte-for-byte caching is visible), and three releases.
 QByteArray smallFeed();
-// Another valid feed with three releases.
 QByteArray otherFeed();
 
 } // namespace quillbay::test

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QFile>
 #include <memory>
 #include <optional>
 
@@ -15,7 +14,8 @@
 namespace quillbay::test {
 
 // A view model whose feed is a loopback server and whose cache is a temporary file. The
-// start-up tasks are queued, so the swap happens before they run.
+// start-up tasks are queued, so the swap happens before they run. A non-empty Info.plist
+// installs an Xcode bundle the workspace reports.
 struct Store
 {
     TempTree tree;
@@ -27,15 +27,23 @@ struct Store
     std::unique_ptr<AppViewModel> model;
     RecordingWorkspace* workspace = nullptr;
 
-    explicit Store(std::optional<QByteArray> cached, int status, const QByteArray& body)
+    explicit Store(std::optional<QByteArray> cached,
+                   int status,
+                   const QByteArray& body,
+                   const QByteArray& xcodeInfoPlist = {})
     {
         tree.mkdir(QStringLiteral("Caches"));
+        std::optional<QString> xcodeBundle;
+        if (!xcodeInfoPlist.isEmpty()) {
+            tree.writeFile(QStringLiteral("Xcode.app/Contents/Info.plist"), xcodeInfoPlist);
+            xcodeBundle = tree.path(QStringLiteral("Xcode.app"));
+        }
         if (cached)
             tree.writeFile(QStringLiteral("Caches/xcodereleases.json"), *cached);
         server.answer(status, body);
         model = std::make_unique<AppViewModel>(defaults, saved);
         model->replaceXcodeReleaseService(XcodeReleaseService::createWithNetwork(server.feedURL(), cache));
-        auto recorder = std::make_unique<RecordingWorkspace>();
+        auto recorder = std::make_unique<RecordingWorkspace>(xcodeBundle);
         workspace = recorder.get();
         model->replaceWorkspace(std::move(recorder));
     }
