@@ -4,12 +4,10 @@
 
 #include <gtest/gtest.h>
 
-#include "FeedServer.h"
+#include "ReleasesFixture.h"
 #include "foundation/BuildConfig.h"
 #include "testsupport/LogCapture.h"
-#include "testsupport/TempTree.h"
 #include "testsupport/TestEnvironment.h"
-#include "xcode_releases/XcodeReleaseService.h"
 
 using namespace quillbay;
 using namespace quillbay::test;
@@ -42,25 +40,6 @@ struct Fixture
 
 } // namespace
 
-TEST(XcodeReleaseServiceTest, TransportFailuresPassThroughUnchanged)
-{
-    Fixture f;
-    // A port that was listening a moment ago and is closed now: connection refused.
-    QTcpServer probe;
-    ASSERT_TRUE(probe.listen(QHostAddress::LocalHost));
-    const QUrl closed(QStringLiteral("http://127.0.0.1:%1/data.json").arg(probe.serverPort()));
-    probe.close();
-    const XcodeReleaseFetchResult result = fetch(*XcodeReleaseService::createWithNetwork(closed, f.cache));
-    EXPECT_FALSE(result.succeeded() || result.serviceError.has_value());
-    ASSERT_TRUE(result.transportError.has_value());
-    EXPECT_FALSE(result.transportError->isEmpty());
-    EXPECT_EQ(readAll(f.cachePath), QByteArray("previous bytes"));
-
-    // Under test the public feed is never called, whatever the address.
-    const QUrl publicFeed(QStringLiteral(QUILLBAY_RELEASE_FEED_URL));
-    EXPECT_TRUE(fetch(*XcodeReleaseService::createWithNetwork(publicFeed, f.cache)).transportError.has_value());
-}
-
 TEST(XcodeReleaseServiceTest, SavingReplacesTheFileInOneStepOrLogsOneLine)
 {
     Fixture f;
@@ -88,18 +67,27 @@ TEST(XcodeReleaseServiceTest, SavingReplacesTheFileInOneStepOrLogsOneLine)
     EXPECT_TRUE(lines.first().startsWith(QStringLiteral("Failed to save Xcode release cache: ")));
 }
 
-TEST(XcodeReleaseServiceTest, DestroyingTheServiceMidRequestCancelsCleanly)
+TEST(XcodeReleaseServiceTest, CancelledAndRefusedRequestsLeaveTheCacheAlone)
 {
     Fixture f;
-    // A server that accepts the connection and never answers.
-    QTcpServer silent;
-    ASSERT_TRUE(silent.listen(QHostAddress::LocalHost));
-    auto service = XcodeReleaseService::createWithNetwork(
-        QUrl(QStringLiteral("http://127.0.0.1:%1/data.json").arg(silent.serverPort())), f.cache);
+    // A port that accepts the connection and never answers, then is closed: refused.
+    QTcpServer socket;
+    ASSERT_TRUE(socket.listen(QHostAddress::LocalHost));
+    const QUrl url(QStringLiteral("http://127.0.0.1:%1/data.json").arg(socket.serverPort()));
+    auto service = XcodeReleaseService::createWithNetwork(url, f.cache);
     QFuture<XcodeReleaseFetchResult> future = service->fetchReleaseData();
-    ASSERT_TRUE(waitUntil([&] { return silent.hasPendingConnections(); }));
+    ASSERT_TRUE(waitUntil([&] { return socket.hasPendingConnections(); }));
     service.reset();
     ASSERT_TRUE(waitUntil([&] { return future.isFinished(); }));
-    EXPECT_TRUE(future.isCanceled());
+    EXPECT_TRUE(future.isCanceled()) << "destroying the service mid-request cancels, never reports";
+
+    socket.close();
+    const XcodeReleaseFetchResult result = fetch(*XcodeReleaseService::createWithNetwork(url, f.cache));
+    EXPECT_FALSE(result.succeeded() || result.serviceError.has_value());
+    ASSERT_TRUE(result.transportError.has_value()) << "transport failures pass through unchanged";
+    EXPECT_FALSE(result.transportError->isEmpty());
+    // Under test the public feed is never called, whatever the address.
+    const QUrl publicFeed(QStringLiteral(QUILLBAY_RELEASE_FEED_URL));
+    EXPECT_TRUE(fetch(*XcodeReleaseService::createWithNetwork(publicFeed, f.cache)).transportError.has_value());
     EXPECT_EQ(readAll(f.cachePath), QByteArray("previous bytes"));
 }
