@@ -142,16 +142,16 @@ TEST(XcodeReleaseDecoderTest, BadDocumentsAndOneBadObjectRejectTheWholeFeed)
     }
 }
 
-// The maturity label lowercases the key but keeps oddities; the Apple Silicon mark trusts
-// a published architecture list over the name.
-TEST(XcodeReleaseDecoderTest, MaturityLabelAndAppleSiliconMarkFromOddValues)
+// Odd values: the maturity label lowercases the key but keeps oddities, the Apple Silicon
+// mark trusts a published architecture list over the name, dates roll over or show nothing.
+TEST(XcodeReleaseDecoderTest, OddMaturityArchitectureAndDateValues)
 {
     const struct
     {
         QByteArray name, architectures, maturity, date;
         QString label;
         bool isFinal, appleSilicon;
-        QString dateText; // dates roll over as the calendar does; out of range shows nothing
+        QString dateText;
     } cases[] = {
         {"Xcode 12.2 (Apple Silicon)", R"j(, "architectures": ["x86_64"])j", R"j({"Release": true})j", "0, 3, 2024",
          u"Release"_s, false, false, u"Feb 29, 2024"_s},
