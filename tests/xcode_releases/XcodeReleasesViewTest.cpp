@@ -1,8 +1,5 @@
-#include <QCheckBox>
-#include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
-#include <QStackedWidget>
 #include <QTest>
 #include <QToolButton>
 
@@ -11,8 +8,6 @@
 #include "ReleasesFixture.h"
 #include "testsupport/TestEnvironment.h"
 #include "testsupport/WidgetAudit.h"
-#include "xcode_releases/views/DownloadInfoPopover.h"
-#include "xcode_releases/views/ReleaseColumnsPopover.h"
 #include "xcode_releases/views/XcodeReleasesCellDelegate.h"
 #include "xcode_releases/views/XcodeReleasesTable.h"
 #include "xcode_releases/views/XcodeReleasesTableModel.h"
@@ -32,7 +27,6 @@ const QByteArray kFeed = R"j([
   "sdks": {"macOS": [{"build": "25A5279m", "number": "26.0"}], "iOS": [{"build": "", "number": "26.0"}]},
   "version": {"build": "17A5241e", "number": "26.0", "release": {"beta": 1}}},
  {"name": "Xcode", "requires": "14.5", "date": {"day": 5, "month": 3, "year": 2025},
-  "compilers": {"swift": [{"build": "6.1.0.110.21", "number": "6.1"}]},
   "sdks": {"macOS": [{"build": "24E241", "number": "15.4"}], "iOS": [{"build": "22E235", "number": "18.4"}]},
   "links": {"download": {"url": "https://download.example.test/Xcode_16.3.xip"},
             "notes": {"url": "https://notes.example.test/16.3"}},
@@ -51,8 +45,8 @@ struct Screen
     Store store;
     std::unique_ptr<XcodeReleasesView> view;
 
-    explicit Screen(int status = 200, const QByteArray& body = kFeed)
-        : store(std::nullopt, status, body)
+    explicit Screen(int status = 200, const QByteArray& infoPlist = {})
+        : store(std::nullopt, status, status == 200 ? kFeed : QByteArray(), infoPlist)
     {
         view = std::make_unique<XcodeReleasesView>(*store.model);
         view->resize(1200, 600);
@@ -67,14 +61,6 @@ struct Screen
         EXPECT_NE(widget, nullptr) << name;
         return widget;
     }
-
-    QStringList headers() const
-    {
-        QStringList titles;
-        for (int i = 0; i < model()->columnCount(); ++i)
-            titles << model()->headerData(i, Qt::Horizontal, Qt::DisplayRole).toString();
-        return titles;
-    }
     QStringList column(int section, int role = Qt::DisplayRole) const
     {
         QStringList texts;
@@ -83,7 +69,6 @@ struct Screen
         return texts;
     }
     int sectionOf(Column column) const { return static_cast<int>(model()->columns().indexOf(column)); }
-
     // Clicks a part of one cell the way a user would, through the viewport.
     void clickPart(int row, Column column, Part part)
     {
@@ -96,62 +81,50 @@ struct Screen
 
 } // namespace
 
-TEST(XcodeReleasesViewTest, FirstRunShowsDefaultColumnsAndTheFilterSwitches)
+TEST(XcodeReleasesViewTest, FirstRunFilterAndMoreInformationFlow)
 {
-    Screen s;
+    Screen s(200,
+             "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>CFBundleShortVersionString</key>"
+             "<string>16.3</string></dict></plist>");
     ASSERT_TRUE(waitUntil([&] { return s.store.model->releases().size() == 5; }));
-    EXPECT_EQ(s.headers(),
+    QStringList headers;
+    for (int i = 0; i < s.model()->columnCount(); ++i)
+        headers << s.model()->headerData(i, Qt::Horizontal, Qt::DisplayRole).toString();
+    EXPECT_EQ(headers,
               (QStringList {u"Version"_s, u"Release"_s, u"Required Environment"_s, u"macOS SDK"_s, u"iOS SDK"_s,
                             u"Download"_s}));
     EXPECT_EQ(s.column(0), QStringList {u"Xcode 16.3"_s});
-    EXPECT_EQ(s.column(s.sectionOf(Column::macOSSDK)), QStringList {u"macOS 15.4"_s});
     EXPECT_EQ(s.column(s.sectionOf(Column::required)), QStringList {u"macOS 14.5+"_s});
-    EXPECT_TRUE(s.find<QToolButton>("onlyReleaseToolButton")->isChecked());
     EXPECT_FALSE(s.view->isShowingFailure());
     EXPECT_EQ(test::controlsWithoutAccessibleName(s.view.get()), "");
+    auto* subtitle = s.find<QLabel>("subtitleLabel");
+    ASSERT_TRUE(waitUntil([&] { return subtitle->isVisible(); }));
+    EXPECT_EQ(subtitle->text(), u"Current Xcode 16.3"_s);
+    EXPECT_EQ(s.store.workspace->askedIdentifiers, QStringList {u"com.apple.dt.Xcode"_s});
 
-    // The filter switch shows every release without a new fetch.
+    // The filter switch shows every release without a new fetch, and is saved.
     const int requests = s.store.server.requestCount();
     QTest::mouseClick(s.find<QToolButton>("onlyReleaseToolButton"), Qt::LeftButton);
-    EXPECT_FALSE(s.store.model->onlyRelease());
     EXPECT_FALSE(s.store.defaults.boolValue(u"OnlyRelease"_s, true));
-    EXPECT_EQ(s.column(0),
-              (QStringList {u"Xcode 26.0"_s, u"Xcode 16.3"_s, u"Xcode 16.3"_s, u"Xcode 16.2"_s, u"Xcode 16.2"_s}));
     EXPECT_EQ(s.column(1), (QStringList {u"Beta 1"_s, u"Release"_s, u"RC 1"_s, u"Release"_s, u"Release"_s}));
     EXPECT_EQ(s.store.server.requestCount(), requests);
 
+    // More information adds build lines; the short form stays.
+    QTest::mouseClick(s.find<QToolButton>("moreInformationToolButton"), Qt::LeftButton);
+    EXPECT_EQ(s.column(0, XcodeReleasesTableModel::BuildLineRole),
+              (QStringList {u"17A5241e"_s, u"16E140"_s, u"16E5104o"_s, u"16C5032a"_s, u"16C5031c"_s}));
+    EXPECT_EQ(s.column(s.sectionOf(Column::macOSSDK)).first(), u"macOS 26.0"_s);
     QTest::mouseClick(s.find<QToolButton>("onlyReleaseToolButton"), Qt::LeftButton);
     EXPECT_EQ(s.model()->rowCount(), 1);
 }
 
-TEST(XcodeReleasesViewTest, ColumnSwitchesApplyAndPersistAtOnce)
-{
-    Screen s;
-    ASSERT_TRUE(waitUntil([&] { return s.store.model->releases().size() == 5; }));
-    QTest::mouseClick(s.find<QToolButton>("columnsToolButton"), Qt::LeftButton);
-    ASSERT_TRUE(waitUntil([&] { return s.view->columnsPopover()->isVisible(); }));
-    const QList<QCheckBox*>& switches = s.view->columnsPopover()->switches();
-    ASSERT_EQ(switches.size(), 11);
-    for (QCheckBox* box : switches)
-        box->setChecked(false);
-    EXPECT_EQ(s.headers(), QStringList {u"Version"_s}) << "all flags off leaves the version column alone";
-
-    switches[10]->setChecked(true); // Release Notes
-    switches[3]->setChecked(true); // Swift
-    EXPECT_EQ(s.headers(), (QStringList {u"Version"_s, u"Swift"_s, u"Release Notes"_s}));
-    EXPECT_EQ(s.column(1), QStringList {u"6.1"_s});
-
-    // A second store on the same settings sees the same columns.
-    AppViewModel again(s.store.defaults, s.store.saved);
-    EXPECT_EQ(again.columns(), (QList<Column> {Column::swift, Column::releaseNotes}));
-}
-
 TEST(XcodeReleasesViewTest, RetryShowsAnEmptyTableWhileItRunsAndTheFailureAgainIfItFails)
 {
-    Screen s(500, {});
+    Screen s(500, "<plist"); // an unreadable Info.plist
     ASSERT_TRUE(waitUntil([&] { return s.view->isShowingFailure(); }));
     EXPECT_EQ(s.find<QLabel>("failureLabel")->text(), u"Failed to load data"_s);
     EXPECT_TRUE(s.find<QLabel>("failureLabel")->isVisible());
+    EXPECT_TRUE(s.find<QLabel>("subtitleLabel")->isHidden()) << "no version read gives no subtitle";
 
     QTest::mouseClick(s.find<QPushButton>("retryPushButton"), Qt::LeftButton);
     EXPECT_FALSE(s.view->isShowingFailure());
@@ -172,78 +145,19 @@ TEST(XcodeReleasesViewTest, RetryShowsAnEmptyTableWhileItRunsAndTheFailureAgainI
     EXPECT_EQ(s.model()->rowCount(), 1);
 }
 
-TEST(XcodeReleasesViewTest, MoreInformationAddsBuildLinesOnlyWhereABuildExists)
-{
-    Screen s;
-    ASSERT_TRUE(waitUntil([&] { return s.store.model->releases().size() == 5; }));
-    s.store.model->setOnlyRelease(false);
-    const int plainHeight = s.table()->verticalHeader()->defaultSectionSize();
-    EXPECT_EQ(s.column(0, XcodeReleasesTableModel::BuildLineRole), QStringList(5, QString()));
-
-    QTest::mouseClick(s.find<QToolButton>("moreInformationToolButton"), Qt::LeftButton);
-    EXPECT_TRUE(s.view->isExpand());
-    EXPECT_GT(s.table()->verticalHeader()->defaultSectionSize(), plainHeight);
-    EXPECT_EQ(s.column(0, XcodeReleasesTableModel::BuildLineRole),
-              (QStringList {u"17A5241e"_s, u"16E140"_s, u"16E5104o"_s, u"16C5032a"_s, u"16C5031c"_s}));
-    EXPECT_EQ(s.column(s.sectionOf(Column::iOSSDK), XcodeReleasesTableModel::BuildLineRole),
-              (QStringList {QString(), u"22E235"_s, QString(), QString(), QString()}))
-        << "an empty build string gets no line";
-    EXPECT_EQ(s.column(s.sectionOf(Column::macOSSDK)).first(), u"macOS 26.0"_s) << "the short form stays";
-    EXPECT_EQ(s.column(0, XcodeReleasesTableModel::AppleSiliconRole).first(), u"true"_s);
-    const QModelIndex version = s.model()->index(0, 0);
-    EXPECT_FALSE(
-        s.table()->cellDelegate()->partRect(s.table()->cellOption(version), version, Part::appleSilicon).isEmpty());
-}
-
 TEST(XcodeReleasesViewTest, LinksOpenOnlyRealAddresses)
 {
     Screen s;
     ASSERT_TRUE(waitUntil([&] { return s.store.model->releases().size() == 5; }));
     s.store.model->setOnlyRelease(false);
     s.store.model->setReleaseColumnVisible(AppViewModel::ReleaseColumn::releaseNotes, true);
+    EXPECT_TRUE(AppViewModel(s.store.defaults, s.store.saved).columns().contains(Column::releaseNotes))
+        << "a column choice is saved at once";
     QList<QUrl>& opened = s.store.workspace->openedUrls;
-
-    s.clickPart(0, Column::releaseNotes, Part::releaseNotesButton);
-    EXPECT_TRUE(opened.isEmpty()) << "a release without notes still shows the button, which does nothing";
     s.clickPart(1, Column::releaseNotes, Part::releaseNotesButton);
     EXPECT_EQ(opened, QList<QUrl> {QUrl(u"https://notes.example.test/16.3"_s)});
-
     s.clickPart(1, Column::download, Part::downloadLink);
     EXPECT_EQ(opened.value(1), QUrl(u"https://download.example.test/Xcode_16.3.xip"_s));
     s.clickPart(3, Column::download, Part::downloadLink);
     EXPECT_EQ(opened.size(), 2) << "a download text that is no address opens nothing";
-
-    // Hovering turns the link into the two icon buttons.
-    const QModelIndex cell = s.model()->index(1, s.sectionOf(Column::download));
-    QTest::mouseMove(s.table()->viewport(), s.table()->visualRect(cell).center());
-    ASSERT_TRUE(waitUntil([&] { return s.table()->cellDelegate()->hoveredIndex() == cell; }));
-    s.clickPart(1, Column::download, Part::downloadButton);
-    EXPECT_EQ(opened.value(2), QUrl(u"https://download.example.test/Xcode_16.3.xip"_s));
-    s.clickPart(1, Column::download, Part::infoButton);
-    DownloadInfoPopover* info = s.view->downloadInfoPopover();
-    ASSERT_TRUE(waitUntil([&] { return info->isVisible(); }));
-    auto* all = info->findChild<QPushButton*>(u"allDownloadsPushButton"_s);
-    ASSERT_NE(all, nullptr);
-    all->click();
-    EXPECT_EQ(opened.value(3), QUrl(u"https://developer.apple.com/download/all/?q=Xcode/"_s));
-}
-
-TEST(XcodeReleasesViewTest, SubtitleNamesTheInstalledXcode)
-{
-    Store store(std::nullopt, 200, kFeed);
-    store.tree.writeFile(u"Xcode.app/Contents/Info.plist"_s,
-                         "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>CFBundleShortVersionString</key>"
-                         "<string>16.3</string></dict></plist>");
-    store.model->replaceWorkspace(std::make_unique<RecordingWorkspace>(store.tree.path(u"Xcode.app"_s)));
-    XcodeReleasesView view(*store.model);
-    view.show();
-    auto* subtitle = view.findChild<QLabel*>(u"subtitleLabel"_s);
-    ASSERT_NE(subtitle, nullptr);
-    ASSERT_TRUE(waitUntil([&] { return subtitle->isVisible(); }));
-    EXPECT_EQ(subtitle->text(), u"Current Xcode 16.3"_s);
-
-    Screen without;
-    ASSERT_TRUE(waitUntil([&] { return without.store.model->releases().size() == 5; }));
-    EXPECT_TRUE(without.find<QLabel>("subtitleLabel")->isHidden())
-        << "no Xcode found gives no subtitle, not \"Current\"";
 }
