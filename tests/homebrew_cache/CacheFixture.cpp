@@ -9,40 +9,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#if defined(__linux__)
-#include <linux/capability.h>
-#include <sys/syscall.h>
-#include <unistd.h>
-#endif
-
-#include "testsupport/TestEnvironment.h"
-
 namespace quillbay::test {
-
-namespace {
-
-#if defined(__linux__)
-constexpr unsigned kPermissionCaps[] = {CAP_DAC_OVERRIDE, CAP_DAC_READ_SEARCH, CAP_FOWNER};
-
-// Capabilities are per thread; the raw call changes only this one, where the scanner and
-// the cleaner run in these tests.
-bool setPermissionCaps(bool effective)
-{
-    __user_cap_header_struct header {_LINUX_CAPABILITY_VERSION_3, 0};
-    __user_cap_data_struct data[2] {};
-    if (::syscall(SYS_capget, &header, data) != 0)
-        return false;
-    for (const unsigned cap : kPermissionCaps) {
-        if (effective)
-            data[cap / 32].effective |= (1u << (cap % 32));
-        else
-            data[cap / 32].effective &= ~(1u << (cap % 32));
-    }
-    return ::syscall(SYS_capset, &header, data) == 0;
-}
-#endif
-
-} // namespace
 
 CacheFixture::CacheFixture(const QString& relativeRoot)
     : m_relativeRoot(relativeRoot)
@@ -93,26 +60,6 @@ qint64 allocatedBytesBelow(const QString& folder)
             total += qint64(st.st_blocks) * 512;
     }
     return total;
-}
-
-PermissionsApply::PermissionsApply()
-{
-    if (!runningAsRoot()) {
-        m_active = true;
-        return;
-    }
-#if defined(__linux__)
-    m_dropped = setPermissionCaps(false);
-    m_active = m_dropped;
-#endif
-}
-
-PermissionsApply::~PermissionsApply()
-{
-#if defined(__linux__)
-    if (m_dropped)
-        setPermissionCaps(true);
-#endif
 }
 
 } // namespace quillbay::test

@@ -62,20 +62,4 @@ QSet<QString> pathSet(const QStringList& paths);
 // independent of the scanner).
 qint64 allocatedBytesBelow(const QString& folder);
 
-// Takes this thread's power to ignore file permissions away for the scope (root has it).
-// active() tells whether permissions now apply; when not, a test skips with the reason.
-class PermissionsApply
-{
-public:
-    PermissionsApply();
-    ~PermissionsApply();
-    PermissionsApply(const PermissionsApply&) = delete;
-    PermissionsApply& operator=(const PermissionsApply&) = delete;
-    bool active() const { return m_active; }
-
-private:
-    bool m_active = false;
-    bool m_dropped = false;
-};
-
 } // namespace quillbay::test

@@ -8,11 +8,10 @@ using namespace quillbay::test;
 
 // Random cache trees with downloads/ and Cask/ among the folders, the picks spread over
 // entries of one to three paths (an empty entry and a shared path now and then), and a
-// folder on the way to a selected item swapped for a link out of the cache right before the
-// item's removal. Nothing outside the cache changes, nothing
-// unselected inside it changes, every refusal is reported, entries count by what is left
-// on disk, and the reclaimed size is the allocated size of everything that left, each file
-// identity once.
+// folder on the way to a selected item swapped for a link out of the cache right before
+// the item's removal. Nothing outside or unselected changes, every refusal is reported,
+// entries count by what is left on disk, and the reclaimed size is the allocated size of
+// everything that left, each file identity once.
 TEST(HomebrewCacheCleanerPropertyTest, RandomTreesLoseExactlyTheSelection)
 {
     const QStringList containers {QStringLiteral("downloads"), QStringLiteral("Cask")};
@@ -20,17 +19,14 @@ TEST(HomebrewCacheCleanerPropertyTest, RandomTreesLoseExactlyTheSelection)
         trial.prepare();
         std::vector<HomebrewCacheEntry> entries;
         const auto addEntry = [&](const QString& id, const QStringList& paths) {
-            HomebrewCacheEntry entry;
-            entry.id = id;
-            entry.displayName = id;
-            entry.paths = paths;
-            entries.push_back(std::move(entry));
+            entries.push_back(HomebrewCacheEntry {});
+            entries.back().id = entries.back().displayName = id;
+            entries.back().paths = paths;
         };
         const auto& picks = trial.picks();
         for (qsizetype i = 0; i < picks.size();) {
             // An entry never holds one clean path twice; separate entries may share one.
-            QStringList paths;
-            QStringList clean;
+            QStringList paths, clean;
             for (int n = trial.between(1, 3); n > 0 && i < picks.size(); --n, ++i) {
                 if (!clean.contains(picks.at(i).clean))
                     paths << picks.at(i).path;

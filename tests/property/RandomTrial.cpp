@@ -1,13 +1,17 @@
 #include "RandomTrial.h"
 
+#include <QCryptographicHash>
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <QSet>
 #include <climits>
 #include <cstdlib>
 #include <utility>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace quillbay::test {
@@ -32,29 +36,67 @@ bool isRealFolder(const QString& path)
     return QFileInfo(path).isDir() && !QFileInfo(path).isSymLink() && canonical(path) == path;
 }
 
-const char* roleName(RandomTrial::Role role)
+bool isAtOrBelow(const QString& path, const QString& folder)
 {
-    static const char* const names[] = {"benign", "absent", "hostile", "either"};
-    return names[int(role)];
+    return path == folder || (path.startsWith(folder) && path.size() > folder.size() && path.at(folder.size()) == u'/');
+}
+
+// Every item below `folder`, no link followed; items at or below `excluded` are left out.
+TreeState captureTree(const QString& folder, const QString& excluded = {})
+{
+    TreeState state;
+    QDirIterator it(folder, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                    QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString path = it.next();
+        const QByteArray native = QFile::encodeName(path);
+        struct stat st
+        {
+        };
+        if ((!excluded.isEmpty() && isAtOrBelow(path, excluded)) || ::lstat(native.constData(), &st) != 0)
+            continue;
+        ItemState item {'o', quint64(st.st_dev), quint64(st.st_ino), st.st_size, qint64(st.st_blocks) * 512, {}};
+        if (S_ISREG(st.st_mode)) {
+            item.kind = 'f';
+            QFile file(path);
+            QCryptographicHash hash(QCryptographicHash::Sha1);
+            item.content = file.open(QIODevice::ReadOnly) && hash.addData(&file) ? hash.result() : "unreadable";
+        } else if (S_ISDIR(st.st_mode)) {
+            item.kind = 'd';
+        } else if (S_ISLNK(st.st_mode)) {
+            item.kind = 'l';
+            char target[4096];
+            const ssize_t length = ::readlink(native.constData(), target, sizeof target);
+            item.content = QByteArray(target, length > 0 ? qsizetype(length) : 0);
+        }
+        state.insert(path.mid(folder.size() + 1), item);
+    }
+    return state;
 }
 
 } // namespace
+
+bool pathExists(const QString& path)
+{
+    struct stat st
+    {
+    };
+    return ::lstat(QFile::encodeName(path).constData(), &st) == 0;
+}
 
 void RandomTrial::run(const QString& rootRelative,
                       const QStringList& topFolders,
                       const std::function<Outcome(RandomTrial&)>& body)
 {
-    quint64 seed = 20240611;
-    int trees = 1000;
-    if (const char* value = std::getenv("QUILLBAY_PROPERTY_SEED"))
-        seed = std::strtoull(value, nullptr, 10);
-    if (const char* value = std::getenv("QUILLBAY_PROPERTY_TREES"))
-        trees = std::atoi(value);
+    const char* seedText = std::getenv("QUILLBAY_PROPERTY_SEED");
+    const char* treesText = std::getenv("QUILLBAY_PROPERTY_TREES");
+    const quint64 seed = seedText ? std::strtoull(seedText, nullptr, 10) : 20240611;
+    const int trees = treesText ? std::atoi(treesText) : 1000;
     // Both deleters log every refusal; thousands of trees would flood the output.
     const QtMessageHandler previous
         = qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
     Outcome total;
-    for (int i = 0; i < trees; ++i) {
+    for (int i = 0; i < trees && !testing::Test::HasFailure(); ++i) {
         const std::string tree = std::to_string(seed + quint64(i));
         SCOPED_TRACE("tree seed " + tree + " (rebuild with QUILLBAY_PROPERTY_SEED=" + tree
                      + " QUILLBAY_PROPERTY_TREES=1)");
@@ -62,10 +104,6 @@ void RandomTrial::run(const QString& rootRelative,
         const Outcome outcome = body(trial);
         total.deleted += outcome.deleted;
         total.refused += outcome.refused;
-        if (testing::Test::HasFailure()) {
-            ADD_FAILURE() << "selection:\n" << trial.describe().toStdString();
-            break;
-        }
     }
     qInstallMessageHandler(previous);
     if (trees >= 100) {
@@ -85,74 +123,49 @@ RandomTrial::RandomTrial(quint64 seed, const QString& rootRelative, const QStrin
     QDir().mkpath(m_outside);
 }
 
-bool RandomTrial::chance(double probability)
-{
-    return std::uniform_real_distribution<double>(0, 1)(m_rng) < probability;
-}
-
-int RandomTrial::between(int low, int high)
-{
-    return std::uniform_int_distribution<int>(low, high)(m_rng);
-}
-
 QString RandomTrial::makeFile(const QString& folder)
 {
     // Sizes around the block size, so that block rounding shows in the byte counts.
-    const int size = chance(0.2) ? 0 : between(1, 12000);
-    QByteArray bytes(size, Qt::Uninitialized);
+    QByteArray bytes(chance(0.2) ? 0 : between(1, 12000), Qt::Uninitialized);
     for (char& c : bytes)
         c = static_cast<char>(m_rng());
     const QString path = folder + QLatin1Char('/') + newName(u'f');
     QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != size)
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
         ADD_FAILURE() << "cannot write " << path.toStdString();
     return path;
 }
 
 void RandomTrial::populateFolder(const QString& folder, int depth)
 {
-    const int count = between(0, depth == 0 ? 6 : 4);
-    for (int i = 0; i < count; ++i) {
+    for (int i = between(0, depth == 0 ? 6 : 4); i > 0; --i) {
         const int kind = between(0, 99);
+        const QString path = folder + QLatin1Char('/') + newName(kind < 55 ? u'd' : kind < 82 ? u'l' : u'h');
         if (kind < 35) {
-            const QString path = makeFile(folder);
-            m_rootItems << path;
-            m_rootFiles << path;
+            m_rootItems << makeFile(folder);
+            m_rootFiles << m_rootItems.last();
         } else if (kind < 55 && depth < 3) {
-            const QString path = folder + QLatin1Char('/') + newName(u'd');
             QDir().mkdir(path);
             m_rootItems << path;
             m_rootFolders << path;
             populateFolder(path, depth + 1);
-        } else if (kind < 65 && !m_rootItems.isEmpty()) {
-            // A link to something in the root, relative or absolute.
-            const QString target = any(m_rootItems);
-            const QString path = folder + QLatin1Char('/') + newName(u'l');
+        } else if (kind >= 55 && kind < 77 && !(kind < 65 ? m_rootItems : m_outsideItems).isEmpty()) {
+            // A link to something in or out of the root, relative or absolute; when it
+            // leads out to a folder, paths through it are hostile.
+            const QString target = any(kind < 65 ? m_rootItems : m_outsideItems);
             makeLink(chance(0.5) ? target : QDir(folder).relativeFilePath(target), path);
             m_rootItems << path;
-        } else if (kind < 77 && !m_outsideItems.isEmpty()) {
-            // A link out of the root; when it leads to a folder, paths through it are hostile.
-            const QString target = any(m_outsideItems);
-            const QString path = folder + QLatin1Char('/') + newName(u'l');
-            makeLink(chance(0.5) ? target : QDir(folder).relativeFilePath(target), path);
-            m_rootItems << path;
-            if (QFileInfo(target).isDir()) {
-                const QStringList inside = QDir(target).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
-                if (!inside.isEmpty())
-                    m_linksOut.append({path, any(inside)});
-            }
-        } else if (kind < 82) {
-            const QString path = folder + QLatin1Char('/') + newName(u'l');
+            const QStringList inside = QDir(target).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
+            if (kind >= 65 && QFileInfo(target).isDir() && !inside.isEmpty())
+                m_linksOut.append({path, any(inside)});
+        } else if (kind >= 77 && kind < 82) {
             makeLink(chance(0.5) ? m_root + QStringLiteral("/missing") : QStringLiteral("../nowhere/x"), path);
             m_rootItems << path;
-        } else {
+        } else if (kind >= 82) {
             // A hard link to a file inside or outside the root.
             const QStringList& files = kind < 91 && !m_rootFiles.isEmpty() ? m_rootFiles : m_outsideFiles;
-            if (files.isEmpty())
-                continue;
-            const QString& existing = any(files);
-            const QString path = folder + QLatin1Char('/') + newName(u'h');
-            if (::link(QFile::encodeName(existing).constData(), QFile::encodeName(path).constData()) == 0) {
+            if (!files.isEmpty()
+                && ::link(QFile::encodeName(any(files)).constData(), QFile::encodeName(path).constData()) == 0) {
                 m_rootItems << path;
                 m_rootFiles << path;
             }
@@ -160,59 +173,22 @@ void RandomTrial::populateFolder(const QString& folder, int depth)
     }
 }
 
-void RandomTrial::populate()
-{
-    for (int i = between(1, 3); i > 0; --i) {
-        const QString path = makeFile(m_outside);
-        m_outsideItems << path;
-        m_outsideFiles << path;
-    }
-    for (int i = between(1, 3); i > 0; --i) {
-        const QString folder = m_outside + QLatin1Char('/') + newName(u'o');
-        QDir().mkdir(folder);
-        m_outsideItems << folder;
-        for (int j = between(0, 3); j > 0; --j) {
-            const QString path = makeFile(folder);
-            m_outsideItems << path;
-            m_outsideFiles << path;
-        }
-    }
-    for (const QString& name : std::as_const(m_topFolders)) {
-        if (!chance(0.7))
-            continue;
-        const QString path = m_root + QLatin1Char('/') + name;
-        QDir().mkdir(path);
-        m_rootItems << path;
-        m_rootFolders << path;
-        if (chance(0.6))
-            populateFolder(path, 1);
-    }
-    populateFolder(m_root, 0);
-}
-
-void RandomTrial::addPick(const QString& path, Role role)
-{
-    const QString clean = QDir::cleanPath(path);
-    m_picks << Pick {path, clean, QFileInfo(clean).fileName(), role};
-}
-
 void RandomTrial::pickSelection(const QStringList& extraHostile)
 {
+    const auto addPick = [this](const QString& path, Role role) {
+        const QString clean = QDir::cleanPath(path);
+        m_picks << Pick {path, clean, QFileInfo(clean).fileName(), role};
+    };
     for (int i = between(0, 6); i > 0 && !m_rootItems.isEmpty(); --i) {
+        // The same item, sometimes spelled untidily.
+        static const QString spellings[] = {QStringLiteral("/."), QStringLiteral("//"), QStringLiteral("/")};
         QString path = any(m_rootItems);
-        // The same item spelled untidily.
         const int spelling = between(0, 9);
-        if (spelling == 0)
-            path.insert(m_root.size(), QStringLiteral("/."));
-        else if (spelling == 1)
-            path.insert(m_root.size(), QStringLiteral("//"));
+        if (spelling < 2)
+            path.insert(m_root.size(), spellings[spelling]);
         else if (spelling == 2)
-            path += QLatin1Char('/');
+            path += spellings[2];
         addPick(path, Role::benign);
-    }
-    if (chance(0.15)) {
-        const QString folder = m_rootFolders.isEmpty() || chance(0.3) ? m_root : any(m_rootFolders);
-        addPick(folder + QLatin1Char('/') + newName(u'g'), Role::absent);
     }
     if (chance(0.2) && !m_outsideItems.isEmpty())
         addPick(any(m_outsideItems), Role::hostile);
@@ -221,8 +197,7 @@ void RandomTrial::pickSelection(const QStringList& extraHostile)
     if (chance(0.15) && !m_outsideItems.isEmpty()) {
         // Out through "..": the spelling starts inside the root.
         const QString from = m_rootFolders.isEmpty() || chance(0.3) ? m_root : any(m_rootFolders);
-        const QString target = any(m_outsideItems);
-        addPick(from + QLatin1Char('/') + QDir(from).relativeFilePath(target), Role::hostile);
+        addPick(from + QLatin1Char('/') + QDir(from).relativeFilePath(any(m_outsideItems)), Role::hostile);
     }
     if (chance(0.25) && !m_linksOut.isEmpty()) {
         const auto& [link, inside] = m_linksOut.at(between(0, static_cast<int>(m_linksOut.size()) - 1));
@@ -239,48 +214,59 @@ QString RandomTrial::outsideCopyOf(const QString& folder)
     // something to delete; links are left out.
     const QString copy = m_outside + QLatin1Char('/') + newName(u'c');
     QDir().mkpath(copy);
-    const QStringList inside = QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden);
-    for (const QString& name : inside) {
-        const QFileInfo info(folder + QLatin1Char('/') + name);
-        if (info.isSymLink())
-            continue;
-        if (info.isDir()) {
-            const QString sub = outsideCopyOf(info.filePath());
-            QDir().rename(sub, copy + QLatin1Char('/') + name);
-        } else {
-            QFile file(copy + QLatin1Char('/') + name);
-            if (file.open(QIODevice::WriteOnly))
-                file.write(QByteArrayLiteral("precious"));
-        }
+    for (const QFileInfo& info : QDir(folder).entryInfoList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden)) {
+        QFile file(copy + QLatin1Char('/') + info.fileName());
+        if (info.isDir() && !info.isSymLink())
+            QDir().rename(outsideCopyOf(info.filePath()), file.fileName());
+        else if (!info.isSymLink() && file.open(QIODevice::WriteOnly))
+            file.write(QByteArrayLiteral("precious"));
     }
     return copy;
 }
 
 void RandomTrial::prepare(const QStringList& extraHostile)
 {
-    populate();
-    pickSelection(extraHostile);
-    // Races: picks whose parent folder is swapped the same way at the moment the deleter
-    // reaches them; the outside copies are made now so that the snapshot holds them.
-    for (const Pick& pick : std::as_const(m_picks)) {
-        if (pick.role != Role::benign || !chance(0.3))
-            continue;
-        const QString folder = QFileInfo(pick.clean).path();
-        if (folder == m_root || !isRealFolder(folder) || m_races.contains(pick.clean))
-            continue;
-        m_races.insert(pick.clean, Race {folder, outsideCopyOf(folder), false});
+    for (int i = between(1, 3); i > 0; --i) {
+        m_outsideItems << makeFile(m_outside);
+        m_outsideFiles << m_outsideItems.last();
     }
-    m_outsideBefore = captureOutside();
+    for (int i = between(1, 3); i > 0; --i) {
+        const QString folder = m_outside + QLatin1Char('/') + newName(u'o');
+        QDir().mkdir(folder);
+        m_outsideItems << folder;
+        for (int j = between(0, 3); j > 0; --j) {
+            m_outsideItems << makeFile(folder);
+            m_outsideFiles << m_outsideItems.last();
+        }
+    }
+    for (const QString& name : std::as_const(m_topFolders)) {
+        const QString path = m_root + QLatin1Char('/') + name;
+        if (!chance(0.7) || !QDir().mkdir(path))
+            continue;
+        m_rootItems << path;
+        m_rootFolders << path;
+        if (chance(0.6))
+            populateFolder(path, 1);
+    }
+    populateFolder(m_root, 0);
+    pickSelection(extraHostile);
+    // Races: picks whose parent folder is swapped at the moment the deleter reaches them;
+    // the outside copies are made now so that the snapshot holds them.
+    for (const Pick& pick : std::as_const(m_picks)) {
+        const QString folder = QFileInfo(pick.clean).path();
+        if (pick.role == Role::benign && chance(0.3) && folder != m_root && isRealFolder(folder)
+            && !m_races.contains(pick.clean))
+            m_races.insert(pick.clean, Race {folder, outsideCopyOf(folder), false});
+    }
+    m_outsideBefore = captureTree(m_base, m_root);
     m_rootBefore = captureRoot();
 }
 
 void RandomTrial::raceHook(const QString& path)
 {
     const auto it = m_races.find(QDir::cleanPath(path));
-    if (it == m_races.end() || it->fired)
-        return;
     // Only a folder still standing where it stood, reached through real folders only.
-    if (!isRealFolder(it->folder))
+    if (it == m_races.end() || it->fired || !isRealFolder(it->folder))
         return;
     const QString asideName = QFileInfo(it->folder).fileName() + QStringLiteral(".race");
     if (!QDir().rename(it->folder, QFileInfo(it->folder).path() + QLatin1Char('/') + asideName)
@@ -288,18 +274,14 @@ void RandomTrial::raceHook(const QString& path)
         ADD_FAILURE() << "cannot swap " << it->folder.toStdString();
     m_swapped << it->folder;
     it->fired = true;
-    const QString relative = it->folder.mid(m_root.size() + 1);
-    m_asideToOriginal.insert(QFileInfo(relative).path() == QStringLiteral(".")
-                                 ? asideName
-                                 : QFileInfo(relative).path() + QLatin1Char('/') + asideName,
-                             relative);
+    const QString parent = QFileInfo(it->folder.mid(m_root.size() + 1)).path();
+    m_asideToOriginal.insert(parent == QStringLiteral(".") ? asideName : parent + QLatin1Char('/') + asideName,
+                             it->folder.mid(m_root.size() + 1));
 }
 
 TreeState RandomTrial::captureRoot() const
 {
     const TreeState raw = captureTree(m_root);
-    if (m_asideToOriginal.isEmpty())
-        return raw;
     TreeState mapped;
     for (auto it = raw.cbegin(); it != raw.cend(); ++it) {
         // Undo every rename on the way: a folder set aside may hold another set aside.
@@ -314,11 +296,9 @@ TreeState RandomTrial::captureRoot() const
             }
         }
         // The link a race put in a folder's place is not part of the original tree.
-        if (it->kind == 'l'
-            && std::any_of(m_asideToOriginal.cbegin(), m_asideToOriginal.cend(),
-                           [&](const QString& original) { return original == key; }))
-            continue;
-        mapped.insert(key, it.value());
+        const auto originals = m_asideToOriginal.values();
+        if (it->kind != 'l' || !originals.contains(key))
+            mapped.insert(key, it.value());
     }
     return mapped;
 }
@@ -327,69 +307,51 @@ void RandomTrial::expectSelectionHonoured(const QStringList& failureNames,
                                           bool coveredByAncestor,
                                           const QStringList& removableTopFolders) const
 {
-    const TreeState outside = captureOutside();
+    const TreeState outside = captureTree(m_base, m_root);
     for (auto it = m_outsideBefore.cbegin(); it != m_outsideBefore.cend(); ++it) {
         const auto now = outside.constFind(it.key());
         EXPECT_TRUE(now != outside.cend() && now->sameAs(it.value())) << "changed outside: " << it.key().toStdString();
     }
     EXPECT_EQ(outside.size(), m_outsideBefore.size()) << "new items outside";
     EXPECT_TRUE(isRealFolder(m_root)) << "the root itself went";
-    QList<Pick> picks = m_picks;
     // Picks under a folder a race swapped depend on whether they came before the swap;
     // the picked item that set the race off must have been refused.
+    QList<Pick> picks = m_picks;
+    QSet<QString> allowedFailures;
     for (Pick& pick : picks) {
         for (auto race = m_races.cbegin(); race != m_races.cend(); ++race) {
-            if (!race->fired || !isAtOrBelow(pick.clean, race->folder))
-                continue;
-            pick.role = race.key() == pick.clean ? Role::hostile : Role::either;
+            if (race->fired && isAtOrBelow(pick.clean, race->folder))
+                pick.role = race.key() == pick.clean ? Role::hostile : Role::either;
         }
-    }
-    const auto hasSelectedAncestor = [&](const Pick& pick) {
-        return std::any_of(picks.begin(), picks.end(), [&](const Pick& other) {
-            return other.clean != pick.clean && isAtOrBelow(pick.clean, other.clean);
-        });
-    };
-    const bool rootPicked = std::any_of(picks.begin(), picks.end(), [&](const Pick& p) { return p.clean == m_root; });
-
-    QSet<QString> allowedFailures;
-    for (const Pick& pick : std::as_const(picks)) {
-        if (pick.role == Role::hostile || pick.role == Role::either)
+        if (pick.role != Role::benign)
             allowedFailures.insert(pick.name);
     }
+    const auto picked = [&](const QString& path, const QString& except = {}) {
+        return std::any_of(picks.begin(), picks.end(),
+                           [&](const Pick& p) { return p.clean != except && isAtOrBelow(path, p.clean); });
+    };
+    const bool rootPicked = picked(m_root);
     for (const QString& name : failureNames)
         EXPECT_TRUE(allowedFailures.contains(name)) << "unexpected failure for " << name.toStdString();
     for (const Pick& pick : std::as_const(picks)) {
-        SCOPED_TRACE(std::string(roleName(pick.role)) + " pick " + pick.path.toStdString());
-        switch (pick.role) {
-        case Role::hostile:
-            if (!hasSelectedAncestor(pick)) {
-                EXPECT_TRUE(failureNames.contains(pick.name)) << "refused without a failure";
-            }
-            break;
-        case Role::benign:
-            // The cache deleter plans the root itself first, and everything below goes
-            // with it (refused) when the root was picked.
-            if (!(coveredByAncestor && rootPicked)) {
-                EXPECT_FALSE(pathExists(pick.clean)) << "still there";
-            }
-            break;
-        case Role::absent:
-            EXPECT_FALSE(failureNames.contains(pick.name));
-            break;
-        case Role::either:
-            break;
+        SCOPED_TRACE("pick " + pick.path.toStdString() + " role " + std::to_string(int(pick.role)));
+        // A hostile pick under another pick may go unreported: the other one covers it.
+        if (pick.role == Role::hostile && !picked(pick.clean, pick.clean)) {
+            EXPECT_TRUE(failureNames.contains(pick.name)) << "refused without a failure";
+        }
+        // The cache deleter plans the root itself first, and everything below goes with
+        // it (refused) when the root was picked.
+        if (pick.role == Role::benign && !(coveredByAncestor && rootPicked)) {
+            EXPECT_FALSE(pathExists(pick.clean)) << "still there";
         }
     }
-
     // Nothing in the root changed but what the picks cover.
     const TreeState after = captureRoot();
     for (auto it = m_rootBefore.cbegin(); it != m_rootBefore.cend(); ++it) {
         const QString path = m_root + QLatin1Char('/') + it.key();
-        const bool picked
-            = std::any_of(picks.begin(), picks.end(), [&](const Pick& p) { return isAtOrBelow(path, p.clean); });
         const bool swapped
             = std::any_of(m_swapped.begin(), m_swapped.end(), [&](const QString& f) { return isAtOrBelow(path, f); });
-        if (picked || swapped || removableTopFolders.contains(it.key()))
+        if (picked(path) || swapped || removableTopFolders.contains(it.key()))
             continue;
         const auto now = after.constFind(it.key());
         EXPECT_TRUE(now != after.cend() && now->sameAs(it.value())) << "unpicked item changed: " << path.toStdString();
@@ -408,16 +370,6 @@ qint64 RandomTrial::goneBytes(bool eachIdentityOnce) const
             total += it->allocated;
     }
     return total;
-}
-
-QString RandomTrial::describe() const
-{
-    QStringList lines;
-    for (const Pick& pick : m_picks)
-        lines << QStringLiteral("  %1 %2").arg(QLatin1String(roleName(pick.role)), pick.path);
-    for (const QString& folder : m_swapped)
-        lines << QStringLiteral("  swapped %1").arg(folder);
-    return lines.join(u'\n');
 }
 
 } // namespace quillbay::test
