@@ -52,7 +52,7 @@ protected:
 
 } // namespace
 
-TEST_F(LoadedStore, TypingIsDebouncedAndOnlyTheNewestSearchPublishes)
+TEST_F(LoadedStore, TypingIsDebouncedOnlyTheNewestSearchPublishesAndHistoryIsKept)
 {
     const qint64 catalogGeneration = store->catalogGeneration();
     const qint64 searchGeneration = store->searchResultGeneration();
@@ -80,16 +80,22 @@ TEST_F(LoadedStore, TypingIsDebouncedAndOnlyTheNewestSearchPublishes)
     EXPECT_TRUE(filtering.contains(true));
     EXPECT_FALSE(filtering.last());
 
+    // Names compare numbers by value; the query ignores diacritics; the version is not searched.
+    store->setSortOption(HomebrewSortOption::nameAscending);
+    store->setSearchText(u"1.0"_s);
+    ASSERT_TRUE(waitForSearch());
+    EXPECT_TRUE(store->formulaSearchResults().isEmpty());
+    store->setSearchText(u"PYTH\u00d6N"_s);
+    ASSERT_TRUE(waitForSearch());
+    EXPECT_EQ(identifiers(store->formulaSearchResults()), strings({"python@3.9", "python@3.10"}));
+
     // Clearing the field empties the results at once, with no task since the sort is current.
     store->setSearchText(u"  "_s);
     EXPECT_FALSE(store->isFiltering());
     EXPECT_TRUE(store->formulaSearchResults().isEmpty());
     EXPECT_FALSE(store->hasSearchQuery());
-}
 
-TEST_F(LoadedStore, SearchHistoryIsCappedAndPersists)
-{
-    store->setSearchText(u"   "_s);
+    // A blank query is never recorded; the history keeps the newest 20 and persists.
     store->recordSearch();
     EXPECT_TRUE(store->searchHistory().isEmpty());
 
@@ -106,62 +112,7 @@ TEST_F(LoadedStore, SearchHistoryIsCappedAndPersists)
     EXPECT_EQ(reopened->searchHistory(), store->searchHistory());
     store->clearSearchHistory();
     EXPECT_FALSE(defaults->contains(u"homebrewCatalog.searchHistory"_s));
-
-    store->setSearchText(u"only"_s);
-    store->recordSearch();
-    defaults->sync();
-    SettingsDefaults reread(tree.path(u"settings.ini"_s));
-    auto single = makeCatalogStore(service.baseURL(), tree.path(u"cache"_s), reread, &clock);
-    EXPECT_EQ(single->searchHistory(), QStringList {u"only"_s});
     ASSERT_TRUE(waitForSearch());
-}
-
-TEST(HomebrewCatalogStoreSettingsTest, StoredChoicesAndTheirDefaults)
-{
-    struct Row
-    {
-        const char* name;
-        QList<std::pair<QString, QVariant>> stored;
-        HomebrewSortOption sort;
-        QList<HomebrewCatalogColumn> visible;
-    };
-    using C = HomebrewCatalogColumn;
-    const Row rows[] = {
-        {"unknown sort value",
-         {{u"homebrewCatalog.sortOption"_s, u"popularity"_s}},
-         HomebrewSortOption::installs30Days,
-         {C::description, C::currentVersion, C::thirtyDays}},
-        {"stored false stays false, stored true shows",
-         {{u"homebrewCatalog.sortOption"_s, u"installs365Days"_s},
-          {u"homebrewCatalog.columns.description.isVisible"_s, false},
-          {u"homebrewCatalog.columns.threeHundredSixtyFiveDays.isVisible"_s, true}},
-         HomebrewSortOption::installs365Days,
-         {C::currentVersion, C::thirtyDays, C::threeHundredSixtyFiveDays}},
-        {"a wrongly typed flag gives the default",
-         {{u"homebrewCatalog.columns.thirtyDays.isVisible"_s, u"maybe"_s}},
-         HomebrewSortOption::installs30Days,
-         {C::description, C::currentVersion, C::thirtyDays}},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        TempTree tree;
-        SettingsDefaults defaults(tree.path(u"settings.ini"_s));
-        for (const auto& [name, value] : row.stored)
-            defaults.setValue(name, value);
-        auto store = makeCatalogStore(u"http://127.0.0.1:1"_s, tree.path(u"cache"_s), defaults);
-        EXPECT_EQ(store->sortOption(), row.sort);
-        EXPECT_EQ(store->visibleColumns(), row.visible);
-        EXPECT_EQ(store->selectedKind(), HomebrewCatalogKind::cask);
-    }
-
-    TempTree tree;
-    SettingsDefaults defaults(tree.path(u"settings.ini"_s));
-    const QString cache = tree.path(u"cache"_s);
-    auto store = makeCatalogStore(u"http://127.0.0.1:1"_s, cache, defaults);
-    for (const HomebrewCatalogColumn column : allCatalogColumns)
-        store->setColumnIsVisible(column, false);
-    EXPECT_TRUE(store->visibleColumns().isEmpty());
-    EXPECT_TRUE(makeCatalogStore(u"http://127.0.0.1:1"_s, cache, defaults)->visibleColumns().isEmpty());
 }
 
 TEST_F(LoadedStore, DetailsComeFromTheCacheFirstAndRevalidateAfterADay)
@@ -201,19 +152,12 @@ TEST_F(LoadedStore, DetailsComeFromTheCacheFirstAndRevalidateAfterADay)
     EXPECT_FALSE(service.requests().last().ifNoneMatch.isEmpty());
 
     // A corrupt cached file is stepped over and replaced by a good answer.
-    const QString cached = tree.path(u"cache/proxy-v1-formula-detail-wget.json"_s);
-    {
-        QFile file(cached);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write("{\"name\":");
-    }
+    tree.writeFile(u"cache/proxy-v1-formula-detail-wget.json"_s, "{\"name\":");
     auto repaired = store->loadDetail(HomebrewCatalogKind::formula, u"wget"_s);
     ASSERT_TRUE(waitUntil([&] { return repaired.isFinished(); }));
     EXPECT_EQ(detailRequests(), 3);
     EXPECT_TRUE(service.requests().last().ifNoneMatch.isEmpty());
-    QFile file(cached);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_TRUE(file.readAll().startsWith("{\"name\":\"wget\""));
+    EXPECT_TRUE(readFile(tree.path(u"cache/proxy-v1-formula-detail-wget.json"_s)).startsWith("{\"name\":\"wget\""));
 
     // A package the service does not have: the error is kept for the page, no detail appears.
     const HomebrewPackageRoute missing {HomebrewCatalogKind::cask, u"no-such-cask"_s};

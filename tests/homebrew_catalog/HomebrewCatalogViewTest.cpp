@@ -1,21 +1,41 @@
-#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMenu>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QSignalSpy>
+#include <QTest>
 
-#include "CatalogViewFixture.h"
+#include <gtest/gtest.h>
+
+#include "CatalogServiceFixture.h"
+#include "core/views/UnavailablePanel.h"
 #include "homebrew_catalog/views/HomebrewCatalogView.h"
 #include "homebrew_catalog/views/HomebrewPackageDetailView.h"
 #include "homebrew_catalog/views/HomebrewPackageTable.h"
 #include "homebrew_catalog/views/HomebrewPackageTableModel.h"
+#include "platform/Workspace.h"
+#include "testsupport/TestEnvironment.h"
 
 using namespace quillbay;
 using namespace quillbay::test;
 using namespace Qt::StringLiterals;
 
 namespace {
+
+// The screens only look the desktop up; nothing here is ever opened.
+class NoWorkspace final : public Workspace
+{
+public:
+    bool openUrl(const QUrl&) override { return true; }
+    bool revealFiles(const QStringList&) override { return true; }
+    std::optional<QString> applicationPath(const QString&) override { return std::nullopt; }
+    QStringList runningApplicationIdentifiers() override { return {}; }
+    bool openTerminal(const QString&) override { return false; }
+    std::optional<QString> openApplication(const QString&) override { return std::nullopt; }
+};
 
 QStringList identifiersShown(const HomebrewPackageTable* table)
 {
@@ -26,157 +46,159 @@ QStringList identifiersShown(const HomebrewPackageTable* table)
     return out;
 }
 
-class CatalogViewTest : public CatalogViewFixture
+// The visible section titles of the page, top to bottom.
+QStringList sectionTitles(const HomebrewPackageDetailView& view)
+{
+    QStringList titles;
+    for (QGroupBox* box : view.form()->findChildren<QGroupBox*>())
+        if (!box->isHidden())
+            titles << box->title();
+    return titles;
+}
+
+bool hasLoaded(const HomebrewCatalogStore& store, const HomebrewPackageRoute& route)
+{
+    return store.detail(route).has_value() && !store.detailLoadingRoutes().contains(route);
+}
+
+QPushButton* linkTo(const HomebrewPackageDetailView& view, const QString& identifier)
+{
+    for (QPushButton* button : view.form()->findChildren<QPushButton*>(u"dependencyLinkPushButton"_s))
+        if (button->text() == identifier)
+            return button;
+    return nullptr;
+}
+
+// A catalog service on loopback with a small published catalog, and a store over a fresh
+// cache folder talking to it.
+class CatalogViewTest : public ::testing::Test
 {
 protected:
     void SetUp() override
     {
-        CatalogViewFixture::SetUp();
-        view = std::make_unique<HomebrewCatalogView>(*store, workspace);
-        view->resize(900, 600);
-        view->show();
-        ASSERT_TRUE(waitUntil([&] { return view->currentContent() == view->catalogTable(); }));
-        ASSERT_TRUE(waitUntil([&] { return !store->hasLoadTask(); }));
+        service.publish(
+            u"A"_s,
+            {{u"wget"_s, u"Internet file retriever"_s, u"1.24.5"_s, 0, {u"libidn2"_s, u"openssl@3"_s}},
+             {u"openssl@3"_s, u"Cryptography and SSL/TLS Toolkit"_s, u"3.4.0"_s},
+             {u"libidn2"_s, u"International domain name library"_s},
+             {u"curl"_s, u"Get a file from an HTTP server"_s}},
+            {{u"firefox"_s, u"Mozilla Firefox"_s, u"Web browser"_s},
+             {u"iterm2"_s, u"iTerm2"_s, u"Terminal emulator"_s}},
+            {{u"openssl@3"_s, u"900"_s}, {u"curl"_s, u"500"_s}, {u"wget"_s, u"300"_s}, {u"libidn2"_s, u"100"_s}});
+        defaults = std::make_unique<SettingsDefaults>(tree.path(u"settings.ini"_s));
+        store = makeStore(service.baseURL());
     }
 
-    QLineEdit* searchField() const { return view->findChild<QLineEdit*>(u"searchLineEdit"_s); }
-    void chooseKind(HomebrewCatalogKind kind) const
+    std::unique_ptr<HomebrewCatalogStore> makeStore(const QString& baseURL)
     {
-        view->findChild<QAbstractButton*>(rawValue(kind) + u"KindToolButton"_s)->click();
+        return makeCatalogStore(baseURL, tree.path(u"cache"_s), *defaults);
     }
 
-    std::unique_ptr<HomebrewCatalogView> view;
+    CatalogServiceFixture service;
+    TempTree tree;
+    NoWorkspace workspace;
+    std::unique_ptr<SettingsDefaults> defaults;
+    std::unique_ptr<HomebrewCatalogStore> store;
 };
 
 } // namespace
 
-TEST_F(CatalogViewTest, SearchLayerFollowsTheKindWithoutNewSearchesAndKeepsTheCatalogScroll)
+TEST_F(CatalogViewTest, SearchKeepsTheCatalogScrollThenARowOpensItsPageAndBack)
 {
+    HomebrewCatalogView view(*store, workspace);
+    view.resize(900, 600);
+    view.show();
+    ASSERT_TRUE(waitUntil([&] { return view.currentContent() == view.catalogTable() && !store->hasLoadTask(); }));
+    QLineEdit* searchField = view.findChild<QLineEdit*>(u"searchLineEdit"_s);
+    const auto chooseKind = [&](HomebrewCatalogKind kind) {
+        view.findChild<QAbstractButton*>(rawValue(kind) + u"KindToolButton"_s)->click();
+    };
     chooseKind(HomebrewCatalogKind::formula);
-    ASSERT_EQ(identifiersShown(view->catalogTable()),
-              (QStringList {u"openssl@3"_s, u"curl"_s, u"wget"_s, u"libidn2"_s}));
-    view->resize(900, 180);
+    HomebrewPackageTable* table = view.catalogTable();
+    ASSERT_EQ(identifiersShown(table), (QStringList {u"openssl@3"_s, u"curl"_s, u"wget"_s, u"libidn2"_s}));
+    view.resize(900, 180);
     QApplication::processEvents();
-    QScrollBar* scroll = view->catalogTable()->verticalScrollBar();
+    QScrollBar* scroll = table->verticalScrollBar();
     ASSERT_GT(scroll->maximum(), 0);
     scroll->setValue(scroll->maximum());
-    // The other kind's table scrolls on its own.
-    QScrollBar* caskScroll = view->findChild<HomebrewPackageTable*>(u"caskTableView"_s)->verticalScrollBar();
-    EXPECT_EQ(caskScroll->value(), 0);
     const int scrolledTo = scroll->value();
 
     // The search layer shows at the first keystroke, before the results arrive.
-    QTest::keyClicks(searchField(), u"ssl"_s);
-    EXPECT_TRUE(view->isSearchLayerVisible());
-    EXPECT_EQ(view->currentSearchContent()->objectName(), u"searchingView"_s);
+    QTest::keyClicks(searchField, u"ssl"_s);
+    EXPECT_TRUE(view.isSearchLayerVisible());
+    EXPECT_EQ(view.currentSearchContent()->objectName(), u"searchingView"_s);
     ASSERT_TRUE(waitUntil([&] { return !store->isFiltering(); }));
     const qint64 searches = store->searchResultGeneration();
-
-    struct Step
-    {
-        HomebrewCatalogKind kind;
-        const char* shown;
-        QStringList rows;
-    };
-    const Step steps[] = {
-        {HomebrewCatalogKind::formula, "searchResultsTableView", {u"openssl@3"_s}},
-        // No cask matches: the panel says so, whatever the formulae hold.
-        {HomebrewCatalogKind::cask, "noResultsView", {}},
-        {HomebrewCatalogKind::formula, "searchResultsTableView", {u"openssl@3"_s}},
-    };
-    for (const Step& step : steps) {
-        SCOPED_TRACE(rawValue(step.kind).toStdString());
-        chooseKind(step.kind);
-        EXPECT_EQ(searchField()->text(), u"ssl"_s);
-        EXPECT_EQ(view->currentSearchContent()->objectName(), QString::fromLatin1(step.shown));
-        if (!step.rows.isEmpty()) {
-            EXPECT_EQ(identifiersShown(view->searchTable()), step.rows);
+    // No cask matches: the panel says so, whatever the formulae hold; switching searches nothing anew.
+    for (const HomebrewCatalogKind kind : {HomebrewCatalogKind::formula, HomebrewCatalogKind::cask}) {
+        SCOPED_TRACE(rawValue(kind).toStdString());
+        chooseKind(kind);
+        EXPECT_EQ(searchField->text(), u"ssl"_s);
+        const bool formula = kind == HomebrewCatalogKind::formula;
+        EXPECT_EQ(view.currentSearchContent()->objectName(),
+                  formula ? u"searchResultsTableView"_s : u"noResultsView"_s);
+        if (formula) {
+            EXPECT_EQ(identifiersShown(view.searchTable()), QStringList {u"openssl@3"_s});
         }
         EXPECT_EQ(store->searchResultGeneration(), searches);
     }
+    chooseKind(HomebrewCatalogKind::formula);
 
     // The catalog table underneath kept its rows and its place through the search.
-    EXPECT_EQ(view->catalogTable()->focusPolicy(), Qt::NoFocus);
-    searchField()->clear();
-    EXPECT_FALSE(view->isSearchLayerVisible());
+    EXPECT_EQ(table->focusPolicy(), Qt::NoFocus);
+    searchField->clear();
+    EXPECT_FALSE(view.isSearchLayerVisible());
     EXPECT_EQ(scroll->value(), scrolledTo);
-    EXPECT_EQ(view->catalogTable()->focusPolicy(), Qt::StrongFocus);
-}
+    EXPECT_EQ(table->focusPolicy(), Qt::StrongFocus);
 
-TEST_F(CatalogViewTest, OpeningARowAndComingBackLeavesNothingSelected)
-{
-    chooseKind(HomebrewCatalogKind::formula);
-    HomebrewPackageTable* table = view->catalogTable();
-    for (int round = 0; round < 2; ++round) {
-        SCOPED_TRACE(round);
-        clickRow(table, 2);
-        ASSERT_NE(view->detailView(), nullptr);
-        EXPECT_EQ(view->detailView()->route(), (HomebrewPackageRoute {HomebrewCatalogKind::formula, u"wget"_s}));
-        EXPECT_TRUE(table->selectionModel()->selectedRows().isEmpty());
-        EXPECT_FALSE(table->selectedPackageID().has_value());
-        view->detailView()->findChild<QAbstractButton*>(u"backToolButton"_s)->click();
-        EXPECT_EQ(view->detailView(), nullptr);
-        EXPECT_TRUE(table->isVisible());
-        EXPECT_TRUE(table->selectionModel()->selectedRows().isEmpty());
-    }
+    // Clicking a row opens its page and leaves nothing selected.
+    view.resize(900, 900);
+    QApplication::processEvents();
+    table->scrollToTop();
+    const QRect cell = table->visualRect(table->model()->index(2, 0));
+    QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, cell.center());
+    const HomebrewPackageRoute wget {HomebrewCatalogKind::formula, u"wget"_s};
+    HomebrewPackageDetailView* page = view.detailView();
+    ASSERT_NE(page, nullptr);
+    EXPECT_EQ(page->route(), wget);
+    EXPECT_TRUE(table->selectionModel()->selectedRows().isEmpty());
+    EXPECT_FALSE(table->selectedPackageID().has_value());
+    ASSERT_TRUE(waitUntil([&] { return hasLoaded(*store, wget); }));
+    EXPECT_EQ(page->title(), u"wget"_s);
+    EXPECT_EQ(sectionTitles(*page),
+              (QStringList {u"Overview"_s, u"Install Command"_s, u"Installation Statistics"_s, u"Dependencies"_s}));
+
+    auto* copy = page->findChild<QPushButton*>(u"copyInstallCommandPushButton"_s);
+    ASSERT_NE(copy, nullptr);
+    QApplication::clipboard()->setText(u"something else"_s);
+    copy->click();
+    EXPECT_EQ(QApplication::clipboard()->text(), u"brew install wget"_s);
+
+    // Following a dependency pushes its page; back pops it, and back again closes the page.
+    QPushButton* link = linkTo(*page, u"openssl@3"_s);
+    ASSERT_NE(link, nullptr);
+    link->click();
+    const HomebrewPackageRoute openssl {HomebrewCatalogKind::formula, u"openssl@3"_s};
+    EXPECT_EQ(page->depth(), 2);
+    EXPECT_EQ(page->route(), openssl);
+    ASSERT_TRUE(waitUntil([&] { return hasLoaded(*store, openssl) && page->title() == u"openssl@3"_s; }));
+    // openssl@3 has no dependencies of its own.
+    EXPECT_EQ(sectionTitles(*page), (QStringList {u"Overview"_s, u"Install Command"_s, u"Installation Statistics"_s}));
+    auto* back = page->findChild<QAbstractButton*>(u"backToolButton"_s);
+    back->click();
+    EXPECT_EQ(page->route(), wget);
+    EXPECT_EQ(page->depth(), 1);
+    EXPECT_NE(linkTo(*page, u"libidn2"_s), nullptr);
+    back->click();
+    EXPECT_EQ(view.detailView(), nullptr);
+    EXPECT_TRUE(table->isVisible());
+    EXPECT_TRUE(table->selectionModel()->selectedRows().isEmpty());
     // An id that names no row opens nothing.
     table->setSelectedPackageID(u"formula:no-such-package"_s);
-    EXPECT_EQ(view->detailView(), nullptr);
+    EXPECT_EQ(view.detailView(), nullptr);
 }
 
-TEST_F(CatalogViewTest, SortMenuReordersTheTableAndMarksTheCurrentOption)
-{
-    chooseKind(HomebrewCatalogKind::formula);
-    struct Case
-    {
-        HomebrewSortOption option;
-        QStringList rows;
-    };
-    const Case cases[] = {
-        {HomebrewSortOption::nameAscending, {u"curl"_s, u"libidn2"_s, u"openssl@3"_s, u"wget"_s}},
-        {HomebrewSortOption::installs30Days, {u"openssl@3"_s, u"curl"_s, u"wget"_s, u"libidn2"_s}},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(rawValue(c.option).toStdString());
-        QAction* pick = nullptr;
-        for (QAction* action : view->sortMenu()->actions())
-            if (action->text() == sortOptionTitle(c.option))
-                pick = action;
-        ASSERT_NE(pick, nullptr);
-        const qint64 generation = store->catalogGeneration();
-        pick->trigger();
-        ASSERT_TRUE(waitUntil([&] { return store->catalogGeneration() > generation; }));
-        EXPECT_EQ(identifiersShown(view->catalogTable()), c.rows);
-        for (QAction* action : view->sortMenu()->actions()) {
-            EXPECT_EQ(!action->icon().isNull(), action == pick) << action->text().toStdString();
-        }
-    }
-    EXPECT_EQ(defaults->value(HomebrewCatalogStore::sortOptionKey).toString(), u"installs30Days"_s);
-}
-
-TEST_F(CatalogViewTest, SearchHistoryMenuListsSubmittedQueriesAndClears)
-{
-    const auto menuTexts = [&] {
-        QStringList texts;
-        for (QAction* action : view->searchHistoryMenu()->actions())
-            texts << (action->isSeparator() ? u"--"_s : action->text());
-        return texts;
-    };
-    EXPECT_EQ(menuTexts(), QStringList {u"No Search History"_s});
-    for (const QString& query : {u"wget"_s, u"curl"_s, u"WGET"_s}) {
-        searchField()->setText(query);
-        QTest::keyClick(searchField(), Qt::Key_Return);
-    }
-    EXPECT_EQ(menuTexts(), (QStringList {u"WGET"_s, u"curl"_s, u"--"_s, u"Clear Search History"_s}));
-    // Picking an entry searches for it without recording it again.
-    view->searchHistoryMenu()->actions().at(1)->trigger();
-    EXPECT_EQ(searchField()->text(), u"curl"_s);
-    EXPECT_EQ(store->searchHistory(), (QStringList {u"WGET"_s, u"curl"_s}));
-    view->searchHistoryMenu()->actions().last()->trigger();
-    EXPECT_EQ(menuTexts(), QStringList {u"No Search History"_s});
-}
-
-TEST_F(CatalogViewFixture, UnreachableServiceShowsUnavailableUntilTryAgainReachesIt)
+TEST_F(CatalogViewTest, UnreachableServiceShowsUnavailableUntilTryAgainReachesIt)
 {
     // Nothing listens on port 1: the first load ends empty and offers "Try Again".
     auto offline = makeStore(u"http://127.0.0.1:1"_s);
@@ -186,6 +208,24 @@ TEST_F(CatalogViewFixture, UnreachableServiceShowsUnavailableUntilTryAgainReache
     EXPECT_EQ(view.currentContent()->objectName(), u"catalogUnavailableView"_s);
     const auto* errorLine = view.findChild<QLabel*>(u"refreshErrorLabel"_s);
     EXPECT_EQ(errorLine->text(), u"Some Homebrew data could not be updated. Cached data is shown when available."_s);
+
+    // A package page without catalog or cache falls back to the identifier and offers "Try Again".
+    const HomebrewPackageRoute route {HomebrewCatalogKind::cask, u"some-app"_s};
+    HomebrewPackageDetailView page(*offline, workspace, route);
+    page.show();
+    EXPECT_EQ(page.title(), u"some-app"_s);
+    EXPECT_EQ(page.currentContent()->objectName(), u"detailLoadingView"_s);
+    ASSERT_TRUE(waitUntil([&] { return offline->detailErrors().contains(route); }));
+    ASSERT_TRUE(waitUntil([&] { return !offline->detailLoadingRoutes().contains(route); }));
+    auto* unavailable = qobject_cast<UnavailablePanel*>(page.currentContent());
+    ASSERT_NE(unavailable, nullptr);
+    EXPECT_EQ(unavailable->description(), offline->detailErrors().value(route));
+    EXPECT_FALSE(unavailable->description().isEmpty());
+    unavailable->button()->click();
+    EXPECT_TRUE(offline->detailLoadingRoutes().contains(route));
+    EXPECT_EQ(page.currentContent()->objectName(), u"detailLoadingView"_s);
+    ASSERT_TRUE(waitUntil([&] { return !offline->detailLoadingRoutes().contains(route); }));
+    EXPECT_EQ(page.currentContent(), unavailable);
 
     // Before any load, "Try Again" still reads the cache first and then fetches.
     HomebrewCatalogView fresh(*store, workspace);

@@ -35,50 +35,6 @@ QList<HomebrewPackageRoute> routes(std::initializer_list<std::pair<Kind, const c
 
 } // namespace
 
-TEST(HomebrewPackageDetailTest, FormulaWithOnlyANameAndOptionalShapes)
-{
-    const HomebrewPackageDetail bare = decoded(Kind::formula, "{\"name\":\"tiny\"}");
-    EXPECT_TRUE(bare.dependencySections().isEmpty());
-    EXPECT_TRUE(bare.requirementLines().isEmpty());
-    EXPECT_EQ(bare.currentVersionText(), u"\u2014");
-    EXPECT_EQ(bare.installCommand(), u"brew install tiny");
-    EXPECT_FALSE(bare.replacementRoute().has_value());
-
-    // `version` is the version text shown; null when the document is refused.
-    struct Row
-    {
-        const char* name;
-        QByteArray json;
-        const char* version;
-    };
-    const char* dash = "\u2014";
-    const Row rows[] = {
-        {"keg_only_reason object", R"({"name":"a","keg_only_reason":{"reason":":provided_by_macos","explanation":""}})",
-         dash},
-        {"revision 2", R"({"name":"a","versions":{"stable":"1.2","head":null},"revision":2})", "1.2_2"},
-        {"revision without a stable version", R"({"name":"a","versions":{"head":"HEAD"},"revision":3})", dash},
-        {"missing name", R"({"full_name":"a"})", nullptr},
-        {"desc of the wrong type", R"({"name":"a","desc":5})", nullptr},
-        {"dependencies with a number", R"({"name":"a","dependencies":["x",1]})", nullptr},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        const auto result = decodeDetail(Kind::formula, row.json);
-        ASSERT_EQ(result.ok(), row.version != nullptr);
-        if (row.version) {
-            EXPECT_EQ(result.value().currentVersionText(), QString::fromUtf8(row.version));
-        } else {
-            EXPECT_TRUE(result.error().isDecodingError());
-        }
-    }
-
-    const HomebrewPackageDetail reasons
-        = decoded(Kind::formula, R"({"name":"a","conflicts_with":["b","c"],"conflicts_with_reasons":[null,"why"]})");
-    ASSERT_TRUE(reasons.formula()->conflictsWithReasons.has_value());
-    EXPECT_EQ(reasons.formula()->conflictsWithReasons->size(), 2);
-    EXPECT_FALSE(reasons.formula()->conflictsWithReasons->at(0).has_value());
-}
-
 TEST(HomebrewPackageDetailTest, FormulaSectionsRequirementsAndReplacement)
 {
     const HomebrewPackageDetail detail = decoded(Kind::formula, R"({
@@ -98,49 +54,11 @@ TEST(HomebrewPackageDetailTest, FormulaSectionsRequirementsAndReplacement)
               (QStringList {u"contexts: build"_s, u"name: xcode"_s, u"version: 14.0"_s, u"linux"_s}));
     EXPECT_EQ(detail.replacementRoute(), (HomebrewPackageRoute {Kind::formula, u"tool2"_s}));
 
-    struct Row
-    {
-        const char* name;
-        QByteArray json;
-        std::optional<HomebrewPackageRoute> expected;
-    };
-    const Row rows[] = {
-        {"disable formula wins", R"({"name":"a","deprecation_replacement_formula":"d","disable_replacement_formula":"x",
-          "disable_replacement_cask":"c"})",
-         HomebrewPackageRoute {Kind::formula, u"x"_s}},
-        {"disable cask over deprecation cask",
-         R"({"name":"a","deprecation_replacement_cask":"old","disable_replacement_cask":"new"})",
-         HomebrewPackageRoute {Kind::cask, u"new"_s}},
-        {"none", R"({"name":"a","deprecation_replacement_formula":null})", std::nullopt},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        EXPECT_EQ(decoded(Kind::formula, row.json).replacementRoute(), row.expected);
-    }
-}
-
-TEST(HomebrewPackageDetailTest, CaskDependenciesAndRequirementLines)
-{
-    const HomebrewPackageDetail macOnly
-        = decoded(Kind::cask, R"({"token":"app","depends_on":{"macos":{">=":["10.15"]}}})");
-    EXPECT_TRUE(macOnly.dependencySections().isEmpty());
-    EXPECT_EQ(macOnly.requirementLines(), QStringList {u"macos: >=: 10.15"_s});
-    EXPECT_EQ(macOnly.currentVersionText(), u"\u2014");
-    EXPECT_EQ(macOnly.installCommand(), u"brew install --cask app");
-
-    const HomebrewPackageDetail both = decoded(Kind::cask, R"({"token":"suite","version":"8.0,6300",
-        "depends_on":{"cask":["helper"],"formula":["wget",{"x":"curl"}],"arch":["arm64","x86_64"]}})");
-    const auto sections = both.dependencySections();
-    ASSERT_EQ(sections.size(), 2);
-    EXPECT_EQ(sections[0].title, u"Formula Dependencies");
-    EXPECT_EQ(sections[0].routes, routes({{Kind::formula, "wget"}, {Kind::formula, "curl"}}));
-    EXPECT_EQ(sections[1].title, u"Cask Dependencies");
-    EXPECT_EQ(sections[1].routes, routes({{Kind::cask, "helper"}}));
-    EXPECT_EQ(both.requirementLines(), (QStringList {u"arch: arm64"_s, u"arch: x86_64"_s}));
-    EXPECT_EQ(both.currentVersionText(), u"8.0,6300");
-
+    // Wrongly typed fields refuse the whole document.
+    for (const char* json :
+         {R"({"full_name":"a"})", R"({"name":"a","desc":5})", R"({"name":"a","dependencies":["x",1]})"})
+        EXPECT_TRUE(decodeDetail(Kind::formula, json).error().isDecodingError()) << json;
     EXPECT_FALSE(decodeDetail(Kind::cask, R"({"token":"a","depends_on":["macos"]})").ok());
-    EXPECT_FALSE(decodeDetail(Kind::cask, R"({"token":"a","name":"not a list"})").ok());
 }
 
 TEST(HomebrewPackageDetailTest, RealDocumentsDecode)
