@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QHostAddress>
+#include <QTcpSocket>
 #include <QUrl>
 
 #include <gtest/gtest.h>
@@ -106,6 +107,37 @@ void CatalogServiceFixture::publish(const QString& snapshotID,
     options.snapshotID = snapshotID;
     const auto result = services::CatalogImporter::run(options);
     ASSERT_TRUE(result.ok) << result.error.toStdString();
+}
+
+DyingProxy::DyingProxy(quint16 targetPort)
+    : m_target(targetPort)
+{
+    m_listener.listen(QHostAddress::LocalHost, 0);
+    connect(&m_listener, &QTcpServer::newConnection, this, [this] {
+        while (QTcpSocket* client = m_listener.nextPendingConnection()) {
+            auto* upstream = new QTcpSocket(this);
+            client->setParent(this);
+            m_sockets << client << upstream;
+            upstream->connectToHost(QHostAddress::LocalHost, m_target);
+            connect(client, &QTcpSocket::readyRead, this, [this, client, upstream] {
+                const QByteArray bytes = client->readAll();
+                if (!m_marker.isEmpty() && bytes.contains(m_marker))
+                    return die();
+                upstream->write(bytes);
+            });
+            connect(upstream, &QTcpSocket::readyRead, this, [client, upstream] { client->write(upstream->readAll()); });
+            connect(upstream, &QTcpSocket::disconnected, client, &QTcpSocket::disconnectFromHost);
+            connect(client, &QTcpSocket::disconnected, upstream, &QTcpSocket::disconnectFromHost);
+        }
+    });
+}
+
+void DyingProxy::die()
+{
+    m_died = true;
+    m_listener.close();
+    for (QTcpSocket* socket : std::as_const(m_sockets))
+        socket->abort();
 }
 
 } // namespace quillbay::test

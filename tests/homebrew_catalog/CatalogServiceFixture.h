@@ -4,6 +4,8 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <memory>
 
 #include "CatalogServer.h"
@@ -72,6 +74,26 @@ private:
     services::ServicesServer m_server;
     quint16 m_port = 0;
     QList<Seen> m_requests;
+};
+
+// Passes bytes between a client and the service until it sees a request for `marker`;
+// then it drops that connection and stops listening, as a server that dies would.
+class DyingProxy : public QObject
+{
+public:
+    explicit DyingProxy(quint16 targetPort);
+    quint16 port() const { return m_listener.serverPort(); }
+    void dieOnRequestFor(const QByteArray& marker) { m_marker = marker; }
+    bool hasDied() const { return m_died; }
+
+private:
+    void die();
+
+    QTcpServer m_listener;
+    quint16 m_target;
+    QByteArray m_marker;
+    bool m_died = false;
+    QList<QTcpSocket*> m_sockets;
 };
 
 } // namespace quillbay::test

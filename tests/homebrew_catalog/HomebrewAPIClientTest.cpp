@@ -146,7 +146,7 @@ TEST(HomebrewAPIClientTest, EveryFailureLeavesTheCacheAsItsRowSays)
 {
     const QByteArray oldBody("{\"old\":true}");
     const QByteArray oldSidecar("{\"fetchedAt\":5.0,\"etag\":\"\\\"old\\\"\"}");
-    enum class Expect { ok, invalidResponse, missingCached, validation, file };
+    enum class Expect { ok, invalidResponse, httpStatus, missingCached, validation, file };
     // What the request and the cache start with; blockBody puts a folder where the body goes.
     enum Setup { conditional = 1, body = 2, sidecar = 4, refuse = 8, blockBody = 16 };
     struct Row
@@ -164,6 +164,7 @@ TEST(HomebrewAPIClientTest, EveryFailureLeavesTheCacheAsItsRowSays)
     const int all = conditional | body | sidecar;
     const Row rows[] = {
         {"204 without a body", 204, {}, all, Expect::invalidResponse, oldBody, oldSidecar},
+        {"404", 404, "{}", all, Expect::httpStatus, oldBody, oldSidecar},
         {"200 failing validation", 200, "{\"new\":1}", all | refuse, Expect::validation, oldBody, oldSidecar},
         {"200, body write fails", 200, "{\"new\":1}", conditional | sidecar | blockBody, Expect::file, {}, oldSidecar},
         {"304 without a body file", 304, {}, conditional | sidecar, Expect::missingCached, missing, oldSidecar},
@@ -196,6 +197,12 @@ TEST(HomebrewAPIClientTest, EveryFailureLeavesTheCacheAsItsRowSays)
             ASSERT_FALSE(result.ok());
             ASSERT_NE(result.error().apiError(), nullptr);
             EXPECT_EQ(*result.error().apiError(), HomebrewAPIError::invalidResponse());
+            break;
+        case Expect::httpStatus:
+            ASSERT_FALSE(result.ok());
+            ASSERT_NE(result.error().apiError(), nullptr);
+            EXPECT_EQ(*result.error().apiError(), HomebrewAPIError::httpStatus(row.status));
+            EXPECT_EQ(result.error().localizedDescription(), u"Homebrew returned HTTP status %1."_s.arg(row.status));
             break;
         case Expect::missingCached:
             ASSERT_FALSE(result.ok());
@@ -242,4 +249,16 @@ TEST(HomebrewAPIClientTest, TransportFailureAndCancellationPassThroughUnchanged)
     ASSERT_FALSE(cancelled.ok());
     EXPECT_TRUE(cancelled.error().isCancellation());
     EXPECT_FALSE(QFile::exists(HomebrewCacheService(tree.root()).bodyPath(detailEndpoint)));
+}
+
+TEST(HomebrewAPIClientTest, NoRequestForAPathWithoutLeadingSlash)
+{
+    TempTree tree;
+    ScriptedHttpServer server;
+    const auto client = makeClient(server.baseURL(), tree.root());
+    const auto result = await(client->fetch(
+        HomebrewEndpoint::catalogSnapshot(HomebrewCatalogKind::cask, u"relative/cask.json"_s), true, acceptAll));
+    ASSERT_FALSE(result.ok());
+    EXPECT_EQ(result.error().localizedDescription(), u"The Homebrew API URL is invalid.");
+    EXPECT_TRUE(server.requests.isEmpty());
 }

@@ -158,39 +158,55 @@ TEST_F(CatalogStoreTest, FirstLoadThenNotModifiedRoundThenANewPair)
 
 TEST_F(CatalogStoreTest, ARefreshToABrokenPairKeepsTheOldCatalogAndItsFiles)
 {
-    auto s = storeAt(service.baseURL());
-    HomebrewCatalogStore& store = *s->store;
-    store.loadIfNeeded();
-    ASSERT_TRUE(s->waitForCatalog());
-    const QByteArray validatedBefore = readFile(cacheFile(validatedManifest));
-    const auto formulaeBefore = store.formulae();
+    // Each row publishes a new pair and breaks it: the server dies between the two snapshots,
+    // or serves a snapshot altered by one byte (same size: only the hash can tell).
+    struct Row
+    {
+        const char* name;
+        const char* id;
+        bool dies;
+    };
+    for (const Row& row : {Row {"server dies", "B", true}, Row {"one byte altered", "C", false}}) {
+        SCOPED_TRACE(row.name);
+        const QString id = QString::fromLatin1(row.id);
+        DyingProxy proxy(static_cast<quint16>(QUrl(service.baseURL()).port()));
+        auto s = storeAt(u"http://127.0.0.1:%1"_s.arg(proxy.port()));
+        HomebrewCatalogStore& store = *s->store;
+        store.loadIfNeeded();
+        ASSERT_TRUE(s->waitForCatalog());
+        const QByteArray validatedBefore = readFile(cacheFile(validatedManifest));
+        const auto formulaeBefore = store.formulae();
 
-    // A new pair whose cask snapshot is altered by one byte (same size: only the hash can tell).
-    service.publish(u"C"_s, formulaeA.mid(1), casksA.mid(1));
-    const QString served = service.snapshotFile(u"C"_s, u"cask"_s);
-    QByteArray bytes = readFile(served);
-    const qsizetype at = bytes.indexOf("iTerm2");
-    ASSERT_GE(at, 0);
-    bytes[at] = 'J';
-    QFile::remove(served);
-    QFile file(served);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
-    file.close();
-
-    ASSERT_TRUE(settle(store, store.forceRefresh()));
-    EXPECT_EQ(store.refreshErrorMessage(), refreshFailed);
-    EXPECT_EQ(store.formulae(), formulaeBefore);
-    EXPECT_EQ(store.allCasks().size(), 2);
-    EXPECT_EQ(readFile(cacheFile(validatedManifest)), validatedBefore);
-    EXPECT_TRUE(validatedBefore.contains("\"snapshotID\":\"A\""));
-    // The fetched manifest already follows the server; the broken snapshot is never written.
-    EXPECT_TRUE(readFile(cacheFile(u"proxy-v1-catalog-manifest.json"_s)).contains("\"snapshotID\":\"C\""));
-    EXPECT_FALSE(cached(u"C"_s, HomebrewCatalogKind::cask));
-    EXPECT_TRUE(cached(u"A"_s, HomebrewCatalogKind::cask));
-    // The failed attempt counts as a check: no retry from loadIfNeeded within the day.
-    EXPECT_EQ(store.lastCheckDate(), clock);
-    store.loadIfNeeded();
-    EXPECT_FALSE(store.hasLoadTask());
+        service.publish(id, formulaeA.mid(1), casksA.mid(1));
+        if (row.dies) {
+            proxy.dieOnRequestFor(u"/v1/catalog/snapshots/%1/cask.json"_s.arg(id).toUtf8());
+        } else {
+            const QString served = service.snapshotFile(id, u"cask"_s);
+            QByteArray bytes = readFile(served);
+            const qsizetype at = bytes.indexOf("iTerm2");
+            ASSERT_GE(at, 0);
+            bytes[at] = 'J';
+            QFile::remove(served);
+            QFile file(served);
+            ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+        }
+        ASSERT_TRUE(settle(store, store.forceRefresh()));
+        EXPECT_EQ(proxy.hasDied(), row.dies);
+        EXPECT_EQ(store.refreshErrorMessage(), refreshFailed);
+        EXPECT_EQ(store.formulae(), formulaeBefore);
+        EXPECT_EQ(store.allCasks().size(), 2);
+        EXPECT_EQ(readFile(cacheFile(validatedManifest)), validatedBefore);
+        EXPECT_TRUE(validatedBefore.contains("\"snapshotID\":\"A\""));
+        // The fetched manifest already follows the server; the broken snapshot is never written.
+        EXPECT_TRUE(
+            readFile(cacheFile(u"proxy-v1-catalog-manifest.json"_s)).contains("\"snapshotID\":\"" + id.toUtf8()));
+        EXPECT_FALSE(cached(id, HomebrewCatalogKind::cask));
+        EXPECT_TRUE(cached(u"A"_s, HomebrewCatalogKind::cask));
+        // The failed attempt counts as a check: no retry from loadIfNeeded within the day.
+        EXPECT_EQ(store.lastCheckDate(), clock);
+        store.loadIfNeeded();
+        EXPECT_FALSE(store.hasLoadTask());
+    }
 }
 
 TEST_F(CatalogStoreTest, CorruptCacheAtStartShowsItsMessageAndStillRefreshes)
