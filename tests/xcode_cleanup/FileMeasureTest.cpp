@@ -58,20 +58,16 @@ TEST(FileMeasureTest, CountsRegularFilesOnlyAndEveryHardLinkWhereItStands)
         EXPECT_EQ(answers[std::size(cases)], cases[0].directory);
         EXPECT_EQ(answers[std::size(cases) + 1], std::nullopt);
     }
-}
 
-TEST(FileMeasureTest, TotalIsTheSameForAnyThreadCountAndAStopGivesNone)
-{
-    TempTree tree;
+    // A wide tree adds up the same for any thread count; a stopped measure gives no figure.
     qint64 expected = 0;
     test::DeveloperTreeBuilder::fillBuildProducts(tree.path(QStringLiteral("p")), 3000, 42, &expected);
     ASSERT_GT(expected, 0);
-    for (const int threads : {1, 2, 3, 8, 32}) {
+    for (const int threads : {1, 3, 32}) {
         SCOPED_TRACE(threads);
         EXPECT_EQ(measureDirectory(tree.path(QStringLiteral("p")), {}, threads), expected);
     }
     std::stop_source stop;
     stop.request_stop();
-    EXPECT_EQ(measureDirectory(tree.path(QStringLiteral("p")), stop.get_token()), std::nullopt)
-        << "a stopped measure gives no figure";
+    EXPECT_EQ(measureDirectory(tree.path(QStringLiteral("p")), stop.get_token()), std::nullopt);
 }

@@ -1,10 +1,9 @@
-#include <QDir>
 #include <QFile>
 
 #include <gtest/gtest.h>
+#include <plist/plist.h>
 #include <sys/stat.h>
 
-#include "QtPrinting.h"
 #include "platform/UserPaths.h"
 #include "testsupport/DeveloperTreeBuilder.h"
 #include "testsupport/LogCapture.h"
@@ -16,6 +15,19 @@ using namespace quillbay;
 using Builder = quillbay::test::DeveloperTreeBuilder;
 
 namespace {
+
+QByteArray toBinary(const QByteArray& xml)
+{
+    plist_t root = nullptr;
+    plist_from_memory(xml.constData(), static_cast<uint32_t>(xml.size()), &root);
+    char* data = nullptr;
+    uint32_t length = 0;
+    plist_to_bin(root, &data, &length);
+    QByteArray bytes(data, static_cast<qsizetype>(length));
+    free(data);
+    plist_free(root);
+    return bytes;
+}
 
 QStringList labels(const std::optional<std::vector<XcodeFileProperties>>& nodes)
 {
@@ -50,16 +62,6 @@ struct Fixture
 
 } // namespace
 
-TEST(XcodeFileManagerTest, CreationNeedsTheDeveloperAndXcodeFolders)
-{
-    test::TempTree tree;
-    EXPECT_FALSE(XcodeFileManager::create(tree.path(u"missing"_qs)));
-    tree.mkdir(u"Developer"_qs);
-    EXPECT_FALSE(XcodeFileManager::create(tree.path(u"Developer"_qs))) << "no Xcode folder";
-    tree.writeFile(u"Developer/Xcode"_qs, "a file");
-    EXPECT_FALSE(XcodeFileManager::create(tree.path(u"Developer"_qs))) << "Xcode is not a folder";
-}
-
 TEST(XcodeFileManagerTest, ScansEveryLocationOfARealTree)
 {
     Fixture f;
@@ -71,8 +73,13 @@ TEST(XcodeFileManagerTest, ScansEveryLocationOfARealTree)
     b.addDeviceSupport(u"iOS DeviceSupport"_qs, u"16.2 (20C65)"_qs, 10000);
     b.addDeviceSupport(u"iOS DeviceSupport"_qs, u"17.1 (21B90)"_qs);
     b.addDeviceSupport(u"iOS DeviceSupport"_qs, u"Not a version"_qs);
+    b.addDeviceSupport(u"iOS DeviceSupport"_qs, u"iPhone14,2 17"_qs);
+    // An unknown model shows its identifier; spacing runs and words past four pieces are ignored.
+    b.addDeviceSupport(u"iOS DeviceSupport"_qs, u"iPhone99,1 15.0"_qs);
+    b.addDeviceSupport(u"iOS DeviceSupport"_qs, u"16.2.1  (20C65)   arm64e"_qs);
+    b.addDeviceSupport(u"iOS DeviceSupport"_qs, u"iPad5,1 15.6.1 (19G82) arm64e extra words"_qs);
+    b.addDeviceSupport(u"tvOS DeviceSupport"_qs, u"1.0 beta"_qs);
     b.addDeviceSupport(u"macOS DeviceSupport"_qs, u"14.2 (23C64)"_qs);
-    b.mkdir(u"Xcode/tvOS DeviceSupport"_qs);
     b.writeFile(u"Xcode/iOS DeviceSupport/.DS_Store"_qs, 100);
     // Archives: two of one bundle, one of another, one broken, one not in a dated folder.
     Builder::Archive older;
@@ -90,8 +97,34 @@ TEST(XcodeFileManagerTest, ScansEveryLocationOfARealTree)
     Builder::Archive other;
     other.date = u"2023-12-24"_qs;
     other.bundleIdentifier = u"com.example.another"_qs;
+    other.uploadStates = QStringList {QString()}; // an upload event without a state failed
     b.addArchive(other);
     b.addArchiveWithInfoPlist(u"2024-01-16"_qs, u"Broken.xcarchive"_qs, "not a plist");
+    // Broken archives are left out with their log lines: missing keys, a key of the wrong
+    // type, cut XML and binary files, no Info.plist; a bundle without the extension too.
+    Builder::Archive noName;
+    noName.name.reset();
+    Builder::Archive noBuild;
+    noBuild.build.reset();
+    const QByteArray good = Builder::archiveInfoPlist({});
+    QByteArray wrongType = good;
+    wrongType.replace("<key>CFBundleVersion</key>\n\t\t<string>45</string>",
+                      "<key>CFBundleVersion</key>\n\t\t<integer>45</integer>");
+    ASSERT_NE(wrongType, good);
+    QByteArray propertiesMoved = good;
+    propertiesMoved.replace("<key>ApplicationProperties</key>", "<key>ApplicationPropertiesMoved</key>");
+    const std::pair<const char*, QByteArray> broken[] = {
+        {"noname.xcarchive", Builder::archiveInfoPlist(noName)},
+        {"nobuild.xcarchive", Builder::archiveInfoPlist(noBuild)},
+        {"cut.xcarchive", good.left(good.size() / 2)},
+        {"cutbinary.xcarchive", toBinary(good).left(40)},
+        {"nonstring.xcarchive", wrongType},
+        {"noproperties.xcarchive", propertiesMoved},
+        {"App.xcarchive.zip", good},
+    };
+    for (const auto& [name, bytes] : broken)
+        b.addArchiveWithInfoPlist(u"2024-02-02"_qs, QString::fromLatin1(name), bytes);
+    b.mkdir(u"Xcode/Archives/2024-02-03/empty.xcarchive"_qs);
     b.writeBytes(u"Xcode/Archives/Loose.xcarchive/Info.plist"_qs, Builder::archiveInfoPlist({}));
     // Derived data: sizes decide the order; ModuleCache skipped, no info.plist dropped.
     const QString small = b.addDerivedData(u"Small_App"_qs, u"/src/Small.xcodeproj"_qs, 4096);
@@ -127,20 +160,40 @@ TEST(XcodeFileManagerTest, ScansEveryLocationOfARealTree)
     const auto& devices = rows[0];
     EXPECT_EQ(labels(devices.children),
               (QStringList {u"iOS"_qs, u"watchOS"_qs, u"tvOS"_qs, u"visionOS"_qs, u"macOS"_qs}));
-    EXPECT_EQ(labels((*devices.children)[0].children),
-              (QStringList {u"iOS 17.1 (21B90)"_qs, u"iOS 17.1 (21B74) (iPhone 13 Pro)"_qs, u"iOS 16.2 (20C65)"_qs}))
+    EXPECT_EQ(
+        labels((*devices.children)[0].children),
+        (QStringList {u"iOS 17.1 (21B90)"_qs, u"iOS 17.1 (21B74) (iPhone 13 Pro)"_qs, u"iOS 16.2.1 (20C65)"_qs,
+                      u"iOS 16.2 (20C65)"_qs, u"iOS 15.6.1 (19G82) (iPad mini 4)"_qs, u"iOS 15.0  (iPhone99,1)"_qs}))
         << "newest first; builds order by what follows \"(\"; architecture duplicates go";
+    EXPECT_TRUE(log.contains(u"XcodeFileManager: 无设备支持版本: "_qs));
     EXPECT_FALSE((*devices.children)[1].children) << "a missing folder leaves the row unfilled";
     EXPECT_TRUE(log.contains(u"XcodeFileManager: 无法检查 '"_qs));
-    EXPECT_EQ(labels((*devices.children)[2].children), QStringList {});
+    EXPECT_EQ(labels((*devices.children)[2].children), QStringList {u"tvOS 1.0 beta"_qs});
     EXPECT_EQ(labels((*devices.children)[4].children), QStringList {u"macOS 14.2 (23C64)"_qs});
 
     const auto& archives = rows[1];
     ASSERT_EQ(labels(archives.children), (QStringList {u"com.example.another"_qs, u"com.example.app"_qs}));
+    for (const char* line :
+         {"无法从存档中读取到项目名称: ", "无法从存档中获取包构建: ", "无法打开存档中的 Info.plist 文件: ",
+          "无法从存档的 Info.plist 文件中获取 Ap\u200b\u200bplicationProperties: "})
+        EXPECT_TRUE(log.contains(u"XcodeFileManager: "_qs + QString::fromUtf8(line))) << line;
     const auto& app = (*archives.children)[1];
     EXPECT_TRUE(app.paths.isEmpty());
     EXPECT_EQ(labels(app.children), (QStringList {u"1.2 (10)"_qs, u"1.2 (9)"_qs})) << "number-aware, newest first";
     EXPECT_EQ((*app.children)[0].paths, QStringList {newerPath});
+    const struct
+    {
+        const XcodeFileProperties& row;
+        SubmissionStatus status;
+        std::optional<Icon> icon;
+    } statuses[] = {{(*app.children)[0], SubmissionStatus::success, Icon::system(u"checkmark"_qs)},
+                    {(*app.children)[1], SubmissionStatus::undefined, std::nullopt},
+                    {(*(*archives.children)[0].children)[0], SubmissionStatus::failure, Icon::system(u"xmark"_qs)}};
+    for (const auto& st : statuses) {
+        SCOPED_TRACE(qPrintable(st.row.label));
+        EXPECT_EQ(st.row.as<ArchiveFile>()->submissionStatus, st.status);
+        EXPECT_EQ(st.row.icon, st.icon);
+    }
     EXPECT_EQ((*app.children)[1].size.bytesOrZero(),
               allocated(olderPath + u"/Info.plist"_qs) + allocated(olderPath + u"/Products/Applications/App.app/App"_qs)
                   + allocated(olderPath + u"/dSYMs/App.app.dSYM/Contents/Resources/DWARF/App"_qs));
@@ -187,33 +240,14 @@ TEST(XcodeFileManagerTest, ScansEveryLocationOfARealTree)
     }
     EXPECT_EQ(manager->totalSize(), total);
     EXPECT_GT((*derived.children)[0].size, (*derived.children)[1].size);
-}
 
-TEST(XcodeFileManagerTest, CustomFoldersJoinOnce)
-{
-    Fixture f;
-    const QString customDerived = f.tree.mkdir(u"elsewhere/DD"_qs);
-    f.builder.addDerivedData(u"Custom"_qs, u"/src/Custom.xcodeproj"_qs, 4096, Builder::PlistFormat::xml, customDerived);
-    f.builder.addDerivedData(u"Own"_qs, u"/src/Own.xcodeproj"_qs, 4096);
-
-    Builder::Archive archive;
-    const QString customArchives = f.tree.mkdir(u"elsewhere/Archives"_qs);
-    Builder other(f.tree.path(u"elsewhere/dev"_qs));
-    archive.bundleIdentifier = u"com.example.custom"_qs;
-    const QString archivePath = other.addArchive(archive);
-    QDir().rename(QFileInfo(archivePath).path(), customArchives + u"/2024-01-15"_qs);
-
-    const QString defaultDerived = f.builder.xcodeFolder() + u"/DerivedData"_qs;
-    const auto manager
-        = XcodeFileManager::create(f.developer, {customArchives}, {defaultDerived + u"/"_qs, customDerived});
-    ASSERT_TRUE(manager);
-    manager->prepareLocations();
-    const auto derived = manager->scan(Location::derivedData);
-    ASSERT_TRUE(derived);
-    EXPECT_EQ(labels(derived->children), (QStringList {u"Own"_qs, u"Custom"_qs})) << "the default folder appears once";
-    const auto archives = manager->scan(Location::archives);
-    ASSERT_TRUE(archives);
-    EXPECT_EQ(labels(archives->children), QStringList {u"com.example.custom"_qs});
+    // A stopped scan reports nothing and leaves every size unknown.
+    std::stop_source stop;
+    stop.request_stop();
+    for (const auto& row : manager->scanAll(
+             stop.get_token(), [](Location, const XcodeFileProperties&) { ADD_FAILURE() << "reported after stop"; }))
+        EXPECT_FALSE(row.size.isKnown());
+    EXPECT_FALSE(XcodeFileManager::create(f.tree.path(u"missing"_qs))) << "no Developer folder, no manager";
 }
 
 TEST(XcodeFileManagerTest, AnUnreadableFolderLeavesItsRowUnfilledAndItsSizeZero)
@@ -240,18 +274,4 @@ TEST(XcodeFileManagerTest, AnUnreadableFolderLeavesItsRowUnfilledAndItsSizeZero)
     ASSERT_TRUE(derivedRow);
     ASSERT_EQ(labels(derivedRow->children), QStringList {u"Locked"_qs});
     EXPECT_EQ((*derivedRow->children)[0].size, Size::value(0)) << "one unreadable corner makes the folder count 0";
-}
-
-TEST(XcodeFileManagerTest, AStoppedScanReportsNothing)
-{
-    Fixture f;
-    f.builder.addDerivedData(u"App"_qs, u"/src/App.xcodeproj"_qs);
-    const auto manager = XcodeFileManager::create(f.developer);
-    ASSERT_TRUE(manager);
-    std::stop_source stop;
-    stop.request_stop();
-    const auto rows = manager->scanAll(
-        stop.get_token(), [](Location, const XcodeFileProperties&) { ADD_FAILURE() << "reported after stop"; });
-    for (const auto& row : rows)
-        EXPECT_FALSE(row.size.isKnown());
 }
