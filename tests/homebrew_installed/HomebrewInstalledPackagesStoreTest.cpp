@@ -50,20 +50,12 @@ QStringList rows(const QList<HomebrewInstalledPackage>& packages)
 
 HomebrewPackageSummaries catalog()
 {
-    HomebrewPackageSummaries result;
-    const auto add = [&result](HomebrewCatalogKind kind, const QString& identifier, const QString& name,
-                               const QString& version, const QStringList& aliases = {}) {
-        HomebrewPackageSummary& s = result[HomebrewPackageRoute {kind, identifier}];
-        s.kind = kind;
-        s.identifier = identifier;
-        s.displayName = name;
-        s.version = version;
-        s.aliases = aliases;
-    };
-    add(HomebrewCatalogKind::formula, u"wget"_s, u"wget"_s, u"1.25.0"_s);
-    add(HomebrewCatalogKind::formula, u"jq"_s, u"jq"_s, u"1.7.1"_s, {u"jquery-cli"_s});
-    add(HomebrewCatalogKind::cask, u"firefox"_s, u"Mozilla Firefox"_s, u"129.0"_s);
-    return result;
+    HomebrewPackageSummary firefox;
+    firefox.kind = HomebrewCatalogKind::cask;
+    firefox.identifier = u"firefox"_s;
+    firefox.displayName = u"Mozilla Firefox"_s;
+    firefox.version = u"129.0"_s;
+    return {{firefox.route(), firefox}};
 }
 
 class HomebrewInstalledPackagesStoreTest : public ::testing::Test
@@ -92,12 +84,12 @@ protected:
     }
 
     // Authorizes the test root through the folder panel and waits for the lists.
-    void authorizeThroughPanel(HomebrewInstalledPackagesStore& store, int formulae = 3)
+    void authorizeThroughPanel(HomebrewInstalledPackagesStore& store)
     {
         m_pickers.answers.push_back(m_root);
         store.chooseRoot();
         ASSERT_TRUE(store.isChoosingRoot());
-        ASSERT_TRUE(waitUntil([&] { return idle(store) && store.formulae().size() == formulae; }));
+        ASSERT_TRUE(waitUntil([&] { return idle(store) && store.formulae().size() == 3; }));
     }
 
     static bool idle(const HomebrewInstalledPackagesStore& store)
@@ -106,25 +98,16 @@ protected:
             && !store.isFiltering();
     }
 
-    // Records the rows each packagesChanged publishes.
-    void record(HomebrewInstalledPackagesStore& store)
-    {
-        QObject::connect(&store, &HomebrewInstalledPackagesStore::packagesChanged, &m_context,
-                         [&] { m_published.append(rows(store.formulae()) + rows(store.casks())); });
-    }
-
     TempTree m_tree;
     QString m_root;
     std::unique_ptr<SettingsDefaults> m_defaults;
     ScriptedPickers m_pickers;
     RecordingWorkspace m_workspace;
-    QObject m_context;
-    QList<QStringList> m_published;
 };
 
 } // namespace
 
-TEST_F(HomebrewInstalledPackagesStoreTest, FailedAuthorizationKeepsTheFormerRoot)
+TEST_F(HomebrewInstalledPackagesStoreTest, FailedAuthorizationKeepsTheRootAStaleOneIsRenewedARemovedOneStaysGone)
 {
     auto store = makeStore();
     store->start({});
@@ -158,9 +141,41 @@ TEST_F(HomebrewInstalledPackagesStoreTest, FailedAuthorizationKeepsTheFormerRoot
     ASSERT_TRUE(waitUntil([&] { return !store->isChoosingRoot(); }));
     EXPECT_EQ(store->rootURL(), m_root);
     EXPECT_EQ(m_pickers.requests.last().directory, m_root);
+
+    // A new launch after a new folder appeared at the same path (reinstalled Homebrew): the
+    // bookmark went stale and is renewed.
+    store.reset();
+    const QByteArray before = m_defaults->dataValue(kKey);
+    // The old folder is kept so its inode is not reused.
+    ASSERT_TRUE(QDir().rename(m_root, m_root + u".old"_s));
+    m_tree.writeFile(u"brew/bin/brew"_s, "#!/bin/sh\n");
+    m_tree.mkdir(u"brew/Cellar/wget/2.0"_s);
+    ASSERT_TRUE(FolderBookmark::resolve(before)->isStale);
+
+    store = makeStore();
+    store->start({});
+    // The rows of the new folder show that the renewed bookmark led to it.
+    ASSERT_TRUE(waitUntil([&] { return idle(*store) && !store->formulae().isEmpty(); }));
+    EXPECT_EQ(store->rootURL(), m_root);
+    EXPECT_EQ(rows(store->formulae()), QStringList {u"wget 2.0"_s});
+    const QByteArray after = m_defaults->dataValue(kKey);
+    EXPECT_NE(after, before);
+    ASSERT_TRUE(FolderBookmark::resolve(after).has_value());
+    EXPECT_FALSE(FolderBookmark::resolve(after)->isStale);
+
+    // A scan running when the authorization is removed brings nothing back.
+    m_tree.mkdir(u"brew/Cellar/wget/2.1"_s);
+    store->rescan();
+    store->removeAuthorization();
+    EXPECT_FALSE(store->isAuthorized());
+    EXPECT_TRUE(store->rawPackages().isEmpty());
+    ASSERT_TRUE(waitUntil([&] { return idle(*store) && !m_defaults->contains(kKey); }));
+    EXPECT_TRUE(store->rawPackages().isEmpty());
+    EXPECT_TRUE(store->formulae().isEmpty());
+    EXPECT_FALSE(store->hasScannedThisLaunch());
 }
 
-TEST_F(HomebrewInstalledPackagesStoreTest, ADamagedBookmarkIsReportedAndDropped)
+TEST_F(HomebrewInstalledPackagesStoreTest, ADamagedBookmarkIsDroppedButAFolderChosenMeanwhileStands)
 {
     const QString gone = m_tree.mkdir(u"gone"_s);
     const QByteArray goneBookmark = FolderBookmark::make(gone);
@@ -187,10 +202,8 @@ TEST_F(HomebrewInstalledPackagesStoreTest, ADamagedBookmarkIsReportedAndDropped)
         EXPECT_EQ(store->errorMessage(), u"The saved Homebrew folder authorization is no longer valid."_s);
         EXPECT_TRUE(waitUntil([&] { return !m_defaults->contains(kKey); }));
     }
-}
 
-TEST_F(HomebrewInstalledPackagesStoreTest, AFolderChosenWhileTheDeadBookmarkIsRestoredStands)
-{
+    // A folder chosen while the dead bookmark is being restored stands.
     // The restore, the scan and the save run on different executors, so their results may
     // land in either order; repeat to meet both.
     for (int attempt = 0; attempt < 8; ++attempt) {
@@ -210,80 +223,7 @@ TEST_F(HomebrewInstalledPackagesStoreTest, AFolderChosenWhileTheDeadBookmarkIsRe
     }
 }
 
-TEST_F(HomebrewInstalledPackagesStoreTest, AStaleBookmarkIsKeptWhileClosedAndRenewedOnceOpen)
-{
-    {
-        auto store = makeStore();
-        store->start({});
-        authorizeThroughPanel(*store);
-    }
-    const QByteArray before = m_defaults->dataValue(kKey);
-    // A new folder at the same path (reinstalled Homebrew): the old bookmark goes stale. The
-    // old folder is kept so its inode is not reused.
-    ASSERT_TRUE(QDir().rename(m_root, m_root + u".old"_s));
-    m_tree.writeFile(u"brew/bin/brew"_s, "#!/bin/sh\n");
-    m_tree.mkdir(u"brew/Cellar/wget/2.0"_s);
-    ASSERT_TRUE(FolderBookmark::resolve(before)->isStale);
-
-    // Unlike a dead bookmark, a folder that is only closed may open again: the key stays.
-    m_tree.chmod(u"brew"_s, 0);
-    m_defaults->sync();
-    {
-        auto store = makeStore();
-        const UnprivilegedUser user;
-        if (!user.permissionsApply())
-            GTEST_SKIP() << "cannot drop root privileges to close a folder: " << user.failure().toStdString();
-        store->start({});
-        ASSERT_TRUE(waitUntil([&] { return store->hasLoadedAuthorization() && idle(*store); }));
-        EXPECT_FALSE(store->isAuthorized());
-        EXPECT_EQ(store->errorMessage(), u"The Homebrew folder could not be accessed."_s);
-    }
-    EXPECT_EQ(m_defaults->dataValue(kKey), before);
-
-    m_tree.chmod(u"brew"_s, 0755);
-    auto store = makeStore();
-    store->start({});
-    // The rows of the new folder show that the renewed bookmark led to it.
-    ASSERT_TRUE(waitUntil([&] { return idle(*store) && !store->formulae().isEmpty(); }));
-    EXPECT_EQ(store->rootURL(), m_root);
-    EXPECT_EQ(rows(store->formulae()), QStringList {u"wget 2.0"_s});
-    const QByteArray after = m_defaults->dataValue(kKey);
-    EXPECT_NE(after, before);
-    ASSERT_TRUE(FolderBookmark::resolve(after).has_value());
-    EXPECT_FALSE(FolderBookmark::resolve(after)->isStale);
-}
-
 TEST_F(HomebrewInstalledPackagesStoreTest, SearchIsDebouncedAndOnlyTheLastResultLands)
-{
-    auto store = makeStore();
-    store->start(catalog());
-    authorizeThroughPanel(*store);
-    record(*store);
-
-    // Typing: the filter state shows at once, the lists change once, after the pause.
-    for (const QString& text : {u"j"_s, u"jq"_s, u"jquery"_s}) {
-        store->setSearchText(text);
-        EXPECT_TRUE(store->isFiltering());
-    }
-    // Nothing happens during the pause (a timer never fires early by this much).
-    QSignalSpy early(store.get(), &HomebrewInstalledPackagesStore::packagesChanged);
-    EXPECT_FALSE(early.wait(100));
-    EXPECT_EQ(store->formulae().size(), 3);
-    ASSERT_TRUE(waitUntil([&] { return !store->isFiltering(); }));
-    EXPECT_EQ(m_published, (QList<QStringList> {{u"jq 1.7.1"_s}}));
-
-    // A rescan under an active search is filtered too.
-    store->setSearchText(u"wget"_s);
-    ASSERT_TRUE(waitUntil([&] { return idle(*store) && store->formulae().size() == 2; }));
-    m_tree.mkdir(u"brew/Cellar/wget/1.26.0"_s);
-    m_tree.mkdir(u"brew/Cellar/curl/8.0"_s);
-    store->rescan();
-    ASSERT_TRUE(waitUntil([&] { return idle(*store) && store->formulae().size() == 3; }));
-    EXPECT_EQ(rows(store->formulae()), (QStringList {u"wget 1.26.0"_s, u"wget 1.25.0"_s, u"wget 1.24.5"_s}));
-    EXPECT_TRUE(store->casks().isEmpty());
-}
-
-TEST_F(HomebrewInstalledPackagesStoreTest, ANewerChangeDropsTheResultOfARunningProcess)
 {
     auto owned = std::make_unique<GatedProcessor>();
     GatedProcessor& gated = *owned;
@@ -293,39 +233,37 @@ TEST_F(HomebrewInstalledPackagesStoreTest, ANewerChangeDropsTheResultOfARunningP
     const auto openGate = qScopeGuard([&] { gated.gate.release(100); });
     store->start({});
     authorizeThroughPanel(*store);
-    record(*store);
+    QList<QStringList> published;
+    QObject::connect(store.get(), &HomebrewInstalledPackagesStore::packagesChanged, store.get(),
+                     [&] { published.append(rows(store->formulae()) + rows(store->casks())); });
 
-    // The join is running (held at the gate) when a search supersedes it; the search's own
-    // call queues behind it on the processor.
+    // The join is running (held at the gate) when typing supersedes it; the filter state
+    // shows at once, and the search's single call queues behind the join on the processor.
     store->updateCatalogSummaries(catalog());
     ASSERT_TRUE(waitUntil([&] { return gated.started == 2; }));
-    store->setSearchText(u"firefox"_s);
+    for (const QString& text : {u"f"_s, u"fire"_s, u"firefox"_s}) {
+        store->setSearchText(text);
+        EXPECT_TRUE(store->isFiltering());
+    }
     QSignalSpy none(store.get(), &HomebrewInstalledPackagesStore::packagesChanged);
     EXPECT_FALSE(none.wait(400)); // the pause passes; the search's call waits its turn
     EXPECT_EQ(gated.started, 2);
-    EXPECT_TRUE(store->isFiltering());
+    EXPECT_EQ(store->formulae().size(), 3);
     gated.gate.release(2);
     ASSERT_TRUE(waitUntil([&] { return !store->isFiltering(); }));
     QSignalSpy more(store.get(), &HomebrewInstalledPackagesStore::packagesChanged);
     EXPECT_FALSE(more.wait(200));
-    EXPECT_EQ(m_published, (QList<QStringList> {{u"Mozilla Firefox 128.0"_s}}));
+    EXPECT_EQ(published, (QList<QStringList> {{u"Mozilla Firefox 128.0"_s}}));
     EXPECT_EQ(gated.started, 3);
-}
 
-TEST_F(HomebrewInstalledPackagesStoreTest, AScanRunningWhenAuthorizationIsRemovedBringsNothingBack)
-{
-    auto store = makeStore();
-    store->start(catalog());
-    authorizeThroughPanel(*store);
-    m_tree.mkdir(u"brew/Cellar/wget/1.26.0"_s);
+    // A rescan under an active search is filtered too.
+    gated.gate.release(100);
+    m_tree.mkdir(u"brew/Caskroom/firefox/130.0"_s);
+    m_tree.mkdir(u"brew/Cellar/curl/8.0"_s);
     store->rescan();
-    store->removeAuthorization();
-    EXPECT_FALSE(store->isAuthorized());
-    EXPECT_TRUE(store->rawPackages().isEmpty());
-    ASSERT_TRUE(waitUntil([&] { return idle(*store) && !m_defaults->contains(kKey); }));
-    EXPECT_TRUE(store->rawPackages().isEmpty());
+    ASSERT_TRUE(waitUntil([&] { return idle(*store) && store->casks().size() == 2; }));
+    EXPECT_EQ(rows(store->casks()), (QStringList {u"Mozilla Firefox 130.0"_s, u"Mozilla Firefox 128.0"_s}));
     EXPECT_TRUE(store->formulae().isEmpty());
-    EXPECT_FALSE(store->hasScannedThisLaunch());
 }
 
 TEST_F(HomebrewInstalledPackagesStoreTest, PermissionTroubleBelowAndAtTheRoot)

@@ -57,18 +57,8 @@ protected:
         launch();
         showView();
         ASSERT_TRUE(waitUntil([&] { return installed->hasLoadedAuthorization(); }));
+        EXPECT_EQ(state(), State::authorizationRequired);
         authorizeThroughPanel();
-    }
-
-    // The usual machine plus a cask whose token needs quoting, joined with the catalog.
-    void showCasksWithCatalog()
-    {
-        install(u"Caskroom/it's-an-app/2.0"_s);
-        showAuthorizedUsualPackages();
-        ASSERT_TRUE(waitUntil([&] {
-            return installedIdle() && catalogIdle() && installed->casks().size() == 2
-                && installed->casks()[1].catalogSummary;
-        }));
     }
 
     // Opens a row of the cask table the way a user does: by selecting it.
@@ -91,21 +81,17 @@ protected:
         return view->content()->currentWidget()->findChild<QLabel*>(u"unavailableTitleLabel"_s)->text();
     }
     HomebrewInstalledPackageTableModel& model() const { return *view->content()->table()->packageModel(); }
-    // Every cell of a row as the table shows it, with the name's subtitle after a "/".
-    QStringList shownRow(int row) const
-    {
-        const QModelIndex name = model().index(row, HomebrewInstalledPackageTableModel::nameColumn);
-        QStringList cells {name.data().toString() + u'/'
-                           + name.data(HomebrewInstalledPackageTableModel::subtitleRole).toString()};
-        for (int column = 1; column < HomebrewInstalledPackageTableModel::columnCount_; ++column)
-            cells.append(model().index(row, column).data().toString());
-        return cells;
-    }
+    // Every cell of every row as the table shows it, with the name's subtitle after a "/".
     QList<QStringList> shownRows() const
     {
         QList<QStringList> rows;
-        for (int row = 0; row < model().rowCount(); ++row)
-            rows.append(shownRow(row));
+        for (int row = 0; row < model().rowCount(); ++row) {
+            const QModelIndex name = model().index(row, 0);
+            rows.append({name.data().toString() + u'/'
+                         + name.data(HomebrewInstalledPackageTableModel::subtitleRole).toString()});
+            for (int column = 1; column < HomebrewInstalledPackageTableModel::columnCount_; ++column)
+                rows.last().append(model().index(row, column).data().toString());
+        }
         return rows;
     }
 
@@ -115,29 +101,18 @@ protected:
 
 } // namespace
 
-TEST_F(HomebrewInstalledPackagesViewTest, AFirstVisitGoesFromAuthorizationThroughScanningToTheJoinedTable)
+TEST_F(HomebrewInstalledPackagesViewTest, AFirstVisitSearchesAFailedScanRetriesAndRemovalForgetsTheRoot)
 {
-    publishCatalog();
-    installUsualPackages();
-    launch();
-    showView();
-    ASSERT_TRUE(waitUntil([&] { return installed->hasLoadedAuthorization(); }));
-    EXPECT_EQ(state(), State::authorizationRequired);
-    EXPECT_FALSE(view->findChild<QToolButton*>(u"rescanToolButton"_s)->isEnabled());
-
-    authorizeThroughPanel();
+    ASSERT_NO_FATAL_FAILURE(showAuthorizedUsualPackages());
     EXPECT_EQ(pickers.requests.value(0).message, u"Choose the Homebrew root folder that contains bin/brew."_s);
     // A folder being authorized is no root yet: its scan runs behind the authorization page.
     EXPECT_FALSE(seen.contains(State::scanning));
     EXPECT_EQ(seen.last(), State::table);
-    EXPECT_TRUE(view->findChild<QToolButton*>(u"rescanToolButton"_s)->isEnabled());
 
     // The catalog comes up by itself when the page appears, and the rows join it without
     // a rescan.
     ASSERT_TRUE(waitUntil([&] { return catalogIdle() && installedIdle() && !catalog->summariesByRoute().isEmpty(); }));
     ASSERT_TRUE(waitUntil([&] { return installed->casks().size() == 1 && installed->casks()[0].catalogSummary; }));
-    // The picker starts on "Cask".
-    EXPECT_TRUE(view->findChild<QToolButton*>(u"caskToolButton"_s)->isChecked());
     EXPECT_EQ(shownRows(),
               (QList<QStringList> {{u"Mozilla Firefox/firefox"_s, u"128.0"_s, u"129.0"_s, u"Possibly Outdated"_s}}));
 
@@ -153,99 +128,42 @@ TEST_F(HomebrewInstalledPackagesViewTest, AFirstVisitGoesFromAuthorizationThroug
                   {u"wget/"_s, u"1.25.0"_s, u"1.25.0"_s, u"Up to Date"_s},
               }));
 
+    auto* search = view->findChild<QLineEdit*>(u"searchLineEdit"_s);
+    search->setText(u"0.1"_s);
+    // At once, before the typing pause ends.
+    EXPECT_EQ(state(), State::filtering);
+    EXPECT_EQ(view->content()->currentWidget()->objectName(), u"filteringPanel"_s);
+    ASSERT_TRUE(waitUntil([&] { return !installed->isFiltering(); }));
+    EXPECT_EQ(state(), State::table);
+    EXPECT_EQ(shownRows(), (QList<QStringList> {{u"localtool/"_s, u"0.1"_s, u"—"_s, u"Status Unknown"_s}}));
+    // Switching the kind under a live search shows the other filtered list at once; no casks
+    // match though there are casks: "not found", not "no casks".
+    QTest::mouseClick(view->findChild<QToolButton*>(u"caskToolButton"_s), Qt::LeftButton);
+    EXPECT_NE(state(), State::filtering);
+    ASSERT_TRUE(waitUntil([&] { return !installed->isFiltering(); }));
+    EXPECT_EQ(state(), State::noSearchResults);
+    EXPECT_EQ(panelTitle(), u"No Installed Packages Found"_s);
+
     // Coming back to the screen does not scan again; only a rescan sees new folders.
     install(u"Cellar/jq/1.7.1"_s);
     QSignalSpy packages(installed.get(), &HomebrewInstalledPackagesStore::packagesChanged);
     view->hide();
     view->show();
     EXPECT_FALSE(packages.wait(300));
-    EXPECT_EQ(model().rowCount(), 3);
-}
-
-TEST_F(HomebrewInstalledPackagesViewTest, SearchShowsSearchingThenTheFilteredRowsOrNoneFound)
-{
-    showAuthorizedUsualPackages();
-    ASSERT_TRUE(
-        waitUntil([&] { return catalogIdle() && installedIdle() && installed->casks().value(0).catalogSummary; }));
-    installed->setSelectedKind(HomebrewCatalogKind::formula);
-
-    struct Case
-    {
-        QString typed;
-        HomebrewCatalogKind kind;
-        State settled;
-        QStringList names;
-    };
-    const Case cases[] = {
-        {u"0.1"_s, HomebrewCatalogKind::formula, State::table, {u"localtool"_s}},
-        // Switching the kind under a live search shows the other filtered list at once.
-        {u"0.1"_s, HomebrewCatalogKind::cask, State::noSearchResults, {}},
-        {u"mozilla"_s, HomebrewCatalogKind::cask, State::table, {u"Mozilla Firefox"_s}},
-        // No casks match and there are casks: still "not found", not "no casks".
-        {u"nothing like this"_s, HomebrewCatalogKind::cask, State::noSearchResults, {}},
-    };
-    auto* search = view->findChild<QLineEdit*>(u"searchLineEdit"_s);
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.typed.toStdString());
-        const bool retyped = search->text() != c.typed;
-        if (retyped) {
-            search->setText(c.typed);
-            // At once, before the typing pause ends.
-            EXPECT_EQ(state(), State::filtering);
-            EXPECT_EQ(view->content()->currentWidget()->objectName(), u"filteringPanel"_s);
-        }
-        QTest::mouseClick(view->findChild<QToolButton*>(c.kind == HomebrewCatalogKind::cask ? u"caskToolButton"_s
-                                                                                            : u"formulaToolButton"_s),
-                          Qt::LeftButton);
-        if (!retyped) {
-            EXPECT_NE(state(), State::filtering);
-        }
-        ASSERT_TRUE(waitUntil([&] { return !installed->isFiltering(); }));
-        EXPECT_EQ(state(), c.settled);
-        QStringList names;
-        for (int row = 0; row < model().rowCount(); ++row)
-            names.append(model().index(row, 0).data().toString());
-        EXPECT_EQ(names, c.names);
-        if (c.settled == State::noSearchResults) {
-            EXPECT_EQ(panelTitle(), u"No Installed Packages Found"_s);
-        }
-    }
-
-    search->clear();
-    EXPECT_EQ(state(), State::table);
-    ASSERT_TRUE(waitUntil([&] { return model().rowCount() == 1; }));
-}
-
-TEST_F(HomebrewInstalledPackagesViewTest, ARootWithoutCasksShowsNoInstalledCasks)
-{
-    publishCatalog();
-    install(u"Cellar/wget/1.24.5"_s);
-    launch();
-    showView();
-    ASSERT_TRUE(waitUntil([&] { return installed->hasLoadedAuthorization(); }));
-    authorizeThroughPanel();
-    EXPECT_EQ(state(), State::noPackages);
-    EXPECT_EQ(panelTitle(), u"No Installed Casks"_s);
-}
-
-TEST_F(HomebrewInstalledPackagesViewTest, AFailedFirstScanOffersRetryAndAFailedRescanKeepsTheTable)
-{
-    showAuthorizedUsualPackages();
-    view.reset();
+    EXPECT_EQ(installed->rawPackages().size(), 4);
 
     // The next launch: bin/brew is gone, the bookmark still resolves.
+    view.reset();
     ASSERT_TRUE(QFile::remove(root() + u"/bin/brew"_s));
     launch();
+    installed->setSelectedKind(HomebrewCatalogKind::cask);
     showView();
     ASSERT_TRUE(waitUntil([&] { return installed->hasLoadedAuthorization() && installedIdle(); }));
     // The restored root's first scan shows the scanning page, then the failure.
     EXPECT_EQ(seen.mid(seen.indexOf(State::scanning)), (QList<State> {State::scanning, State::failed}));
     EXPECT_EQ(state(), State::failed);
     EXPECT_EQ(panelTitle(), u"Failed to load data"_s);
-    const auto* description = view->content()->currentWidget()->findChild<QLabel*>(u"unavailableDescriptionLabel"_s);
-    EXPECT_EQ(description->text(), u"Choose a Homebrew root folder that contains bin/brew."_s);
     EXPECT_TRUE(defaults->contains(installed->bookmarkKey()));
-    EXPECT_FALSE(view->findChild<QWidget*>(u"errorLine"_s)->isVisible());
 
     tree().writeFile(u"brew/bin/brew"_s, "#!/bin/sh\n");
     view->findChild<QPushButton*>(u"retryPushButton"_s)->click();
@@ -259,38 +177,33 @@ TEST_F(HomebrewInstalledPackagesViewTest, AFailedFirstScanOffersRetryAndAFailedR
     EXPECT_EQ(model().rowCount(), 1);
     EXPECT_TRUE(view->findChild<QWidget*>(u"errorLine"_s)->isVisible());
     EXPECT_EQ(view->findChild<QLabel*>(u"errorLineLabel"_s)->text(), installed->errorMessage().value_or(QString()));
-}
 
-TEST_F(HomebrewInstalledPackagesViewTest, RemovingTheAuthorizationForgetsTheRootAndTouchesNoFile)
-{
-    showAuthorizedUsualPackages();
-    view->findChild<QLineEdit*>(u"searchLineEdit"_s)->setText(u"fire"_s);
+    // Removing the authorization under a live search forgets the root and touches no file.
+    search = view->findChild<QLineEdit*>(u"searchLineEdit"_s);
+    search->setText(u"fire"_s);
     ASSERT_TRUE(waitUntil([&] { return installedIdle() && model().rowCount() == 1; }));
-
     HomebrewInstalledSettingsSection settings(*installed);
     settings.findChild<QPushButton*>(u"removeAuthorizationPushButton"_s)->click();
-
     EXPECT_EQ(state(), State::authorizationRequired);
     EXPECT_EQ(model().rowCount(), 0);
-    EXPECT_TRUE(view->findChild<QLineEdit*>(u"searchLineEdit"_s)->text().isEmpty());
+    EXPECT_TRUE(search->text().isEmpty());
     EXPECT_FALSE(defaults->contains(installed->bookmarkKey()));
     EXPECT_TRUE(QFileInfo::exists(root() + u"/Caskroom/firefox/128.0"_s));
-    EXPECT_TRUE(QFileInfo::exists(root() + u"/bin/brew"_s));
-
+    EXPECT_TRUE(QFileInfo::exists(root() + u"/Cellar/wget/1.25.0"_s));
     // Appearing again restores nothing in this launch.
     view->hide();
     view->show();
     ASSERT_TRUE(waitUntil([&] { return installedIdle(); }));
     EXPECT_EQ(state(), State::authorizationRequired);
-    EXPECT_TRUE(pickers.answers.empty());
 }
 
-TEST_F(HomebrewInstalledPackagesViewTest, SelectingARowOpensItsPageAndTheRowOpensAgainAfterGoingBack)
+TEST_F(HomebrewInstalledPackagesViewTest, ARowOpensItsPageWhichRevealsOnlyInsideTheAuthorizedRoot)
 {
-    ASSERT_NO_FATAL_FAILURE(showCasksWithCatalog());
+    install(u"Caskroom/it's-an-app/2.0"_s); // a token that needs quoting
+    ASSERT_NO_FATAL_FAILURE(showAuthorizedUsualPackages());
+    ASSERT_TRUE(waitUntil([&] { return catalogIdle() && installed->casks().value(1).catalogSummary; }));
     QSignalSpy requested(view.get(), &HomebrewInstalledPackagesView::packageRequested);
-    HomebrewInstalledPackageDetailSections* sections = openCaskRow(1);
-    ASSERT_NE(sections, nullptr);
+    ASSERT_NE(openCaskRow(1), nullptr);
     ASSERT_EQ(requested.size(), 1);
     EXPECT_EQ(requested[0][0].value<HomebrewPackageRoute>(),
               (HomebrewPackageRoute {HomebrewCatalogKind::cask, u"firefox"_s}));
@@ -298,29 +211,21 @@ TEST_F(HomebrewInstalledPackagesViewTest, SelectingARowOpensItsPageAndTheRowOpen
     EXPECT_TRUE(view->content()->table()->selectionModel()->selectedRows().isEmpty());
     EXPECT_EQ(view->findChild<QLabel*>(u"pageTitleLabel"_s)->text(), u"Mozilla Firefox"_s);
 
-    EXPECT_EQ(text("catalogVersionLabel"), u"129.0"_s);
-    EXPECT_EQ(text("updateStatusLabel"), u"Possibly Outdated"_s);
     EXPECT_EQ(text("installationPathLabel"), root() + u"/Caskroom/firefox/128.0"_s);
     EXPECT_EQ(text("upgradeCommandLabel"), u"brew upgrade --cask firefox"_s);
     view->currentPackagePage()->findChild<QPushButton*>(u"copyUpgradeCommandPushButton"_s)->click();
     EXPECT_EQ(QGuiApplication::clipboard()->text(), u"brew upgrade --cask firefox"_s);
 
     view->goBack();
-    EXPECT_EQ(view->navigationDepth(), 0);
-    EXPECT_EQ(view->findChild<QLabel*>(u"pageTitleLabel"_s)->text(), u"Installed"_s);
     ASSERT_NE(openCaskRow(1), nullptr);
     EXPECT_EQ(requested.size(), 2);
 
-    // A package unknown to the catalog, with an apostrophe in its token.
+    // A token with an apostrophe is quoted for the shell.
     view->goBack();
     ASSERT_NE(openCaskRow(0), nullptr);
-    EXPECT_EQ(text("catalogVersionLabel"), u"—"_s);
-    EXPECT_EQ(text("updateStatusLabel"), u"Status Unknown"_s);
     EXPECT_EQ(text("uninstallCommandLabel"), u"brew uninstall --cask 'it'\"'\"'s-an-app'"_s);
-}
 
-TEST_F(HomebrewInstalledPackagesViewTest, ShowInFinderRevealsOnlyInsideTheAuthorizedRoot)
-{
+    // Show in Finder on a page: only inside the authorized root.
     struct Case
     {
         const char* name;
@@ -342,7 +247,7 @@ TEST_F(HomebrewInstalledPackagesViewTest, ShowInFinderRevealsOnlyInsideTheAuthor
         {"authorization removed in settings", [this](HomebrewInstalledPackage&) { installed->removeAuthorization(); },
          u"Authorize the Homebrew root folder again."_s},
     };
-    ASSERT_NO_FATAL_FAILURE(showCasksWithCatalog());
+    view->goBack();
     const HomebrewInstalledPackage firefox = installed->casks()[1];
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);

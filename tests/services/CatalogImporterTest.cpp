@@ -23,14 +23,29 @@ QByteArray readFile(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-QList<HomebrewPackageSummary>
-publishedRows(const QString& set, const HomebrewCatalogManifest& manifest, HomebrewCatalogKind kind)
+// The current set's rows as the client reads them (formulae, casks); every package's detail
+// document must decode too.
+std::pair<QList<HomebrewPackageSummary>, QList<HomebrewPackageSummary>> published(const QString& dataDir)
 {
-    const auto& artifact = manifest.artifact(kind);
-    const auto rows = HomebrewCatalogProcessor().summaries(kind, readFile(catalogLayout::snapshotPath(set, kind)),
-                                                           artifact.sha256, artifact.byteCount, artifact.packageCount);
-    EXPECT_TRUE(rows.ok()) << (rows.ok() ? std::string() : rows.error().debugDescription().toStdString());
-    return rows.ok() ? rows.value() : QList<HomebrewPackageSummary>();
+    const QString set = catalogLayout::currentSetFolder(dataDir);
+    const auto manifest = HomebrewCatalogProcessor().validatedManifest(readFile(catalogLayout::manifestPath(set)));
+    EXPECT_TRUE(manifest.ok());
+    QList<HomebrewPackageSummary> lists[2];
+    for (const auto kind : {HomebrewCatalogKind::formula, HomebrewCatalogKind::cask}) {
+        if (!manifest.ok())
+            break;
+        const auto& artifact = manifest.value().artifact(kind);
+        const auto rows
+            = HomebrewCatalogProcessor().summaries(kind, readFile(catalogLayout::snapshotPath(set, kind)),
+                                                   artifact.sha256, artifact.byteCount, artifact.packageCount);
+        EXPECT_TRUE(rows.ok()) << (rows.ok() ? std::string() : rows.error().debugDescription().toStdString());
+        for (const auto& row : rows.ok() ? rows.value() : QList<HomebrewPackageSummary>()) {
+            EXPECT_TRUE(decodeDetail(kind, readFile(catalogLayout::detailPath(set, kind, row.identifier))).ok())
+                << row.identifier.toStdString();
+            lists[kind == HomebrewCatalogKind::cask].append(row);
+        }
+    }
+    return {lists[0], lists[1]};
 }
 
 } // namespace
@@ -41,26 +56,11 @@ TEST(CatalogImporterTest, BundledSampleBuildsASetTheClientAccepts)
     CatalogImporter::Options options;
     options.inputDir = sourceDir() + QStringLiteral("/resources/sample-catalog");
     options.dataDir = tree.path(QStringLiteral("data"));
-    options.generatedAt = QDateTime::fromSecsSinceEpoch(1750000000, Qt::UTC);
     const auto result = CatalogImporter::run(options);
     ASSERT_TRUE(result.ok) << result.error.toStdString();
-    EXPECT_EQ(result.snapshotID, u"2025-06-15_15.06.40");
-    EXPECT_EQ(result.formulaCount, 9);
-    EXPECT_EQ(result.caskCount, 160);
-
-    const QString set = catalogLayout::currentSetFolder(options.dataDir);
-    const auto manifest = HomebrewCatalogProcessor().validatedManifest(readFile(catalogLayout::manifestPath(set)));
-    ASSERT_TRUE(manifest.ok()) << manifest.error().debugDescription().toStdString();
-    const auto formulae = publishedRows(set, manifest.value(), HomebrewCatalogKind::formula);
-    ASSERT_EQ(formulae.size(), 9);
-    EXPECT_EQ(publishedRows(set, manifest.value(), HomebrewCatalogKind::cask).size(), 160);
-
-    // Every package has a detail document the client can decode.
-    for (const auto& row : formulae)
-        EXPECT_TRUE(decodeDetail(HomebrewCatalogKind::formula,
-                                 readFile(catalogLayout::detailPath(set, HomebrewCatalogKind::formula, row.identifier)))
-                        .ok())
-            << row.identifier.toStdString();
+    const auto [formulae, casks] = published(options.dataDir);
+    EXPECT_EQ(formulae.size(), 9);
+    EXPECT_EQ(casks.size(), 160);
 }
 
 TEST(CatalogImporterTest, BadDocumentsAreLeftOutAndSetsReplaceEachOtherAtomically)
@@ -89,16 +89,12 @@ TEST(CatalogImporterTest, BadDocumentsAreLeftOutAndSetsReplaceEachOtherAtomicall
     EXPECT_EQ(QDir(catalogLayout::setsFolder(options.dataDir)).entryList(QDir::Dirs | QDir::NoDotAndDotDot),
               (QStringList {QStringLiteral("s2"), QStringLiteral("s3")}));
 
-    const QString set = catalogLayout::currentSetFolder(options.dataDir);
-    const auto manifest = HomebrewCatalogProcessor().validatedManifest(readFile(catalogLayout::manifestPath(set)));
-    ASSERT_TRUE(manifest.ok());
-    const auto formulae = publishedRows(set, manifest.value(), HomebrewCatalogKind::formula);
+    const auto [formulae, casks] = published(options.dataDir);
     ASSERT_EQ(formulae.size(), 2);
     EXPECT_EQ(formulae[0].summary, u"first");
     EXPECT_EQ(formulae[0].analytics.thirtyDays, 1024);
     EXPECT_EQ(formulae[1].version, u"2_3");
     EXPECT_FALSE(formulae[1].analytics.thirtyDays.has_value());
-    const auto casks = publishedRows(set, manifest.value(), HomebrewCatalogKind::cask);
     ASSERT_EQ(casks.size(), 1);
     EXPECT_EQ(casks[0].displayName, u"One App");
     EXPECT_EQ(casks[0].aliases, QStringList {QStringLiteral("Uno")});
