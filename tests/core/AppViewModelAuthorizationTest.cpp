@@ -1,3 +1,4 @@
+#include <QDir>
 #include <QFile>
 
 #include <gtest/gtest.h>
@@ -49,7 +50,7 @@ TEST(AppViewModelAuthorizationTest, SilentRequestsNeverShowAPanel)
     }
 }
 
-TEST(AppViewModelAuthorizationTest, ChooseThatIsCancelledLosesNothing)
+TEST(AppViewModelAuthorizationTest, ChooseTakesOnlyTheFolderAskedForAndACancelLosesNothing)
 {
     CleanupFlowFixture f;
     // The default folder is missing; the bookmark on record leads to a Developer folder
@@ -71,6 +72,26 @@ TEST(AppViewModelAuthorizationTest, ChooseThatIsCancelledLosesNothing)
     EXPECT_TRUE(f.model->hasFileManager());
     EXPECT_EQ(f.model->developerFolderPath(), elsewhere);
     EXPECT_EQ(f.defaults.dataValue(kKey), bookmark);
+
+    // Only the folder asked for is taken: a wrong one brings the alert, "Repeat" the panel again.
+    f.pickers.answerWith(elsewhere);
+    f.alerts.pressButton(0);
+    f.pickers.answerWith([&](const Pickers::FolderRequest&) -> std::optional<QString> {
+        EXPECT_FALSE(f.defaults.contains(kKey)) << "the key was cleared before the alert";
+        f.tree.mkdir(QStringLiteral("home/Library/Developer/Xcode/DerivedData"));
+        return f.developer + QStringLiteral("/");
+    });
+    f.model->chooseDeveloperFolder();
+    ASSERT_TRUE(waitUntil([&] { return !f.model->isRequestingDeveloperFolderAuthorization(); }));
+    ASSERT_TRUE(waitUntil([&] { return f.model->hasFileManager() && !f.model->scanning(); }));
+    ASSERT_EQ(f.pickers.requests.size(), 3);
+    EXPECT_EQ(f.pickers.requests[1].directory, f.developer);
+    ASSERT_EQ(f.alerts.requests.size(), 1);
+    EXPECT_EQ(f.alerts.requests[0].messageText,
+              QStringLiteral("Can't get access to ") + f.developer + QStringLiteral(" folder"));
+    const auto stored = FolderBookmark::resolve(f.defaults.dataValue(kKey));
+    ASSERT_TRUE(stored);
+    EXPECT_EQ(QDir::cleanPath(stored->path), f.developer);
 }
 
 TEST(AppViewModelAuthorizationTest, CustomFoldersAreSavedScannedAndRemovedWithoutDeleting)
@@ -84,9 +105,18 @@ TEST(AppViewModelAuthorizationTest, CustomFoldersAreSavedScannedAndRemovedWithou
     ASSERT_TRUE(f.waitForIdle());
     EXPECT_EQ(f.find(QStringLiteral("Custom Project")), nullptr);
 
-    f.pickers.answerWith(custom);
+    // A folder that can't be reached: the alert, and nothing is added.
+    f.pickers.answerWith(f.tree.path(QStringLiteral("Gone")));
     f.model->addCustomFolder(AppViewModel::CustomFolderKind::derivedData);
     ASSERT_TRUE(waitUntil([&] { return f.pickers.answered == 1; }));
+    EXPECT_TRUE(f.model->settingViewAlert());
+    EXPECT_EQ(f.model->settingViewAlertTitle(), QStringLiteral("Can't choose this folder"));
+    EXPECT_TRUE(f.model->customDerivedDataFolders().isEmpty());
+    f.model->dismissSettingViewAlert();
+
+    f.pickers.answerWith(custom);
+    f.model->addCustomFolder(AppViewModel::CustomFolderKind::derivedData);
+    ASSERT_TRUE(waitUntil([&] { return f.pickers.answered == 2; }));
     ASSERT_TRUE(f.waitForIdle());
     ASSERT_NE(f.find(QStringLiteral("Custom Project")), nullptr) << "the new folder is scanned at once";
     const URLBookmarkManager bookmarks(UserPaths::forHome(f.home).programDataFolder());

@@ -46,56 +46,6 @@ struct ScannedFixture : CleanupFlowFixture
 
 } // namespace
 
-TEST(AppViewModelCleanupTest, ScanShowsTheLocationsFirstThenFillsThemOneByOne)
-{
-    CleanupFlowFixture f;
-    f.buildDeveloperTree();
-    QList<QList<bool>> knownSizes;
-    QObject::connect(f.model.get(), &AppViewModel::localFilesChanged, f.model.get(), [&] {
-        QList<bool> known;
-        for (const XcodeFileProperties& row : f.model->localFiles())
-            known << row.size.isKnown();
-        knownSizes << known;
-    });
-    f.model->requestDeveloperFolderAuthorization(false);
-    ASSERT_TRUE(waitUntil([&] { return f.model->hasFileManager(); }));
-    ASSERT_TRUE(f.waitForIdle());
-    // Cleared, the six empty rows, then one rebuild per location.
-    ASSERT_EQ(knownSizes.size(), 8);
-    EXPECT_TRUE(knownSizes[0].isEmpty());
-    for (int step = 1; step < 8; ++step) {
-        SCOPED_TRACE(step);
-        ASSERT_EQ(knownSizes[step].size(), 6);
-        for (int row = 0; row < 6; ++row)
-            EXPECT_EQ(knownSizes[step][row], row <= step - 2);
-    }
-    qint64 sum = 0;
-    for (const XcodeFileProperties& row : f.model->localFiles())
-        sum += row.size.bytesOrZero();
-    EXPECT_EQ(f.model->totalSize(), sum);
-    EXPECT_GT(sum, 300000);
-    EXPECT_FALSE(f.model->toastMessage()) << "the first scan reports nothing";
-    f.model->rescan();
-    ASSERT_TRUE(f.waitForIdle());
-    EXPECT_EQ(f.model->toastMessage(), QStringLiteral("Completed"));
-}
-
-TEST(AppViewModelCleanupTest, SelectionRollsUpAndDownAndSetsTheSelectedSize)
-{
-    ScannedFixture f;
-    const XcodeFileProperties* derived = f.find(QStringLiteral("Derived Data"));
-    ASSERT_NE(derived, nullptr);
-    ASSERT_EQ(derived->children->size(), 2);
-    f.model->setSelected(derived->children->at(0).id, true);
-    EXPECT_FALSE(f.model->isSelected(derived->id));
-    EXPECT_EQ(f.model->selectedSize(), derived->children->at(0).size.bytesOrZero());
-    f.model->setSelected(derived->children->at(1).id, true);
-    EXPECT_TRUE(f.model->isSelected(derived->id)) << "the last child checks the parent";
-    EXPECT_EQ(f.model->selectedSize(), derived->size.bytesOrZero()) << "a row without paths adds only its children";
-    f.model->selectAll(true);
-    EXPECT_EQ(f.model->selectedSize(), f.model->totalSize());
-}
-
 TEST(AppViewModelCleanupTest, OutcomesOfPartialFailedAndEmptyRuns)
 {
     struct Case
@@ -161,9 +111,20 @@ TEST(AppViewModelCleanupTest, OutcomesOfPartialFailedAndEmptyRuns)
     }
 }
 
-TEST(AppViewModelCleanupTest, GuardsRefuseOverlappingWork)
+TEST(AppViewModelCleanupTest, SelectionRollsUpAndGuardsRefuseOverlappingWork)
 {
     ScannedFixture f;
+    const XcodeFileProperties* derived = f.find(QStringLiteral("Derived Data"));
+    ASSERT_NE(derived, nullptr);
+    ASSERT_EQ(derived->children->size(), 2);
+    f.model->setSelected(derived->children->at(0).id, true);
+    EXPECT_FALSE(f.model->isSelected(derived->id));
+    EXPECT_EQ(f.model->selectedSize(), derived->children->at(0).size.bytesOrZero());
+    f.model->setSelected(derived->children->at(1).id, true);
+    EXPECT_TRUE(f.model->isSelected(derived->id)) << "the last child checks the parent";
+    EXPECT_EQ(f.model->selectedSize(), derived->size.bytesOrZero()) << "a row without paths adds only its children";
+    f.model->selectAll(false);
+
     f.workspace.running = {QStringLiteral("com.apple.dt.XcodeHelper"), QStringLiteral("Xcode")};
     EXPECT_FALSE(f.model->isXcodeRunning()) << "only the exact identifier counts";
     f.workspace.running << QStringLiteral("com.apple.dt.Xcode");
@@ -180,10 +141,17 @@ TEST(AppViewModelCleanupTest, GuardsRefuseOverlappingWork)
         f.model->removeDeveloperFolderAuthorization();
         cleansRefused += !f.model->cleaning() && f.model->hasFileManager() ? 1 : 0;
     });
+    EXPECT_FALSE(f.model->toastMessage()) << "the first scan reports nothing";
     f.model->rescan();
     ASSERT_TRUE(f.waitForIdle());
     QObject::disconnect(scanWatch);
     EXPECT_EQ(cleansRefused, 8);
+    EXPECT_EQ(f.model->toastMessage(), QStringLiteral("Completed"));
+    qint64 sum = 0;
+    for (const XcodeFileProperties& row : f.model->localFiles())
+        sum += row.size.bytesOrZero();
+    EXPECT_EQ(f.model->totalSize(), sum);
+    EXPECT_GT(sum, 300000);
     EXPECT_TRUE(QFileInfo::exists(f.other));
 
     f.select(QStringLiteral("Other"));
@@ -207,6 +175,7 @@ TEST(AppViewModelCleanupTest, GuardsRefuseOverlappingWork)
     const QString key = QStringLiteral("DeveloperFolderBookmarkKey");
     f.defaults.setValue(key, FolderBookmark::make(f.developer));
     f.model->selectAll(true);
+    EXPECT_EQ(f.model->selectedSize(), f.model->totalSize());
     f.model->removeDeveloperFolderAuthorization();
     EXPECT_FALSE(f.model->hasFileManager());
     EXPECT_FALSE(f.defaults.contains(key));

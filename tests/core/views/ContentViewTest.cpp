@@ -1,8 +1,9 @@
+#include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QSet>
 #include <QTemporaryDir>
+#include <QTest>
 #include <QTreeWidget>
 
 #include <gtest/gtest.h>
@@ -11,8 +12,8 @@
 #include "core/QuillbayApp.h"
 #include "core/views/AppShell.h"
 #include "core/views/ContentView.h"
+#include "core/views/SettingsView.h"
 #include "core/views/SidebarItem.h"
-#include "core/views/ToastOverlay.h"
 #include "foundation/Defaults.h"
 #include "testsupport/TestEnvironment.h"
 #include "testsupport/WidgetAudit.h"
@@ -27,25 +28,6 @@ struct Shell
     AppShell shell {app};
 };
 } // namespace
-
-TEST(ContentViewTest, ToastShowsForThreeSecondsAndANewMessageRestartsTheCount)
-{
-    Shell s;
-    s.shell.openWindow();
-    ToastOverlay* toast = s.shell.window()->toast();
-    s.app.viewModel().setToast(QStringLiteral("First"));
-    QElapsedTimer clock;
-    clock.start();
-    ASSERT_TRUE(test::waitUntil([&] { return clock.elapsed() > 2000; }, 3000));
-    s.app.viewModel().setToast(QStringLiteral("Second"));
-    const qint64 restartedAt = clock.elapsed();
-    // The first message's three seconds pass; the second still shows.
-    ASSERT_TRUE(test::waitUntil([&] { return clock.elapsed() > 3500; }, 4000));
-    EXPECT_EQ(toast->text(), QStringLiteral("Second"));
-    ASSERT_TRUE(test::waitUntil([&] { return toast->text().isEmpty(); }, 4000));
-    EXPECT_GE(clock.elapsed() - restartedAt, 2990);
-    EXPECT_FALSE(s.app.viewModel().toastMessage().has_value()) << "dismissal clears the message";
-}
 
 TEST(ContentViewTest, CtrlAndANumberOpenEachToolOnItsOwnScreenAndClosingKeepsTheState)
 {
@@ -81,4 +63,17 @@ TEST(ContentViewTest, CtrlAndANumberOpenEachToolOnItsOwnScreenAndClosingKeepsThe
     EXPECT_EQ(s.shell.window(), window);
     EXPECT_EQ(window->currentScreen(), screen);
     EXPECT_TRUE(s.app.didCheckVersion()) << "the first appearance ran the start-up work once";
+
+    // One settings window, from the footer and from the menu.
+    auto* footerButton = window->findChild<QAbstractButton*>(QStringLiteral("settingsHoverButton"));
+    ASSERT_NE(footerButton, nullptr);
+    footerButton->click();
+    SettingsView* settings = s.shell.settingsView();
+    ASSERT_NE(settings, nullptr);
+    QTest::keyClick(settings, Qt::Key_Escape);
+    EXPECT_FALSE(settings->isVisible());
+    s.shell.openSettingsAction()->trigger();
+    EXPECT_TRUE(settings->isVisible());
+    footerButton->click();
+    EXPECT_EQ(window->findChildren<SettingsView*>().size(), 1) << "the same window comes back";
 }

@@ -1,31 +1,87 @@
+#include <QAbstractButton>
 #include <QComboBox>
 #include <QCoreApplication>
-#include <QDir>
+#include <QFile>
 #include <QGuiApplication>
 #include <QLabel>
-#include <QListWidget>
+#include <QPushButton>
+#include <QTabWidget>
 #include <QTest>
 
 #include <gtest/gtest.h>
 
-#include "SettingsFixture.h"
+#include "core/AppViewModel.h"
+#include "core/QuillbayApp.h"
 #include "core/state/SavedSpaceStore.h"
-#include "core/views/AppShell.h"
-#include "core/views/ContentView.h"
+#include "core/views/SettingsView.h"
 #include "foundation/ByteCount.h"
+#include "foundation/Defaults.h"
+#include "homebrew_installed/HomebrewInstalledPackagesStore.h"
 #include "platform/Appearance.h"
 #include "platform/FolderBookmark.h"
+#include "platform/UserPaths.h"
+#include "testsupport/ScriptedPanels.h"
+#include "testsupport/TempTree.h"
+#include "testsupport/TestEnvironment.h"
 
 using namespace quillbay;
 using namespace quillbay::test;
 
 namespace {
 
-QString label(const SettingsFixture& f, const QString& name)
+// The application as it starts, on a temporary settings file and home folder, with the
+// user at the folder panel scripted; and its settings window.
+struct SettingsFixture
 {
-    auto* found = f.find<QLabel>(name);
-    return found ? found->text() : QStringLiteral("<missing %1>").arg(name);
-}
+    SettingsFixture() { start(); }
+
+    // A new process over the same settings file and home.
+    void restart()
+    {
+        view.reset();
+        app.reset();
+        start();
+    }
+
+    void start()
+    {
+        auto scripted = std::make_unique<ScriptedPickers>();
+        pickers = scripted.get();
+        app = std::make_unique<QuillbayApp>(std::make_unique<SettingsDefaults>(iniPath()), std::move(scripted));
+        app->viewModel().setCleanupPlatform(UserPaths::forHome(tree.path(QStringLiteral("home"))), nullptr);
+        view = std::make_unique<SettingsView>(*app);
+    }
+
+    QString iniPath() const { return tree.path(QStringLiteral("defaults.ini")); }
+
+    // What the settings file on disk says, after the pending writes went out.
+    QString fileText()
+    {
+        dynamic_cast<SettingsDefaults&>(app->defaults()).sync();
+        QFile file(iniPath());
+        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    }
+
+    template <typename T> T* find(const QString& name) const { return view->findChild<T*>(name); }
+    QString label(const QString& name) const
+    {
+        auto* found = find<QLabel>(name);
+        return found ? found->text() : QStringLiteral("<missing %1>").arg(name);
+    }
+
+    void click(const QString& buttonName) const
+    {
+        auto* button = find<QAbstractButton>(buttonName);
+        ASSERT_NE(button, nullptr) << buttonName.toStdString();
+        ASSERT_TRUE(button->isEnabled()) << buttonName.toStdString();
+        button->click();
+    }
+
+    TempTree tree;
+    ScriptedPickers* pickers = nullptr;
+    std::unique_ptr<QuillbayApp> app;
+    std::unique_ptr<SettingsView> view;
+};
 
 int windowLightness()
 {
@@ -68,6 +124,7 @@ TEST(SettingsViewTest, AppearanceAppliesAtOnceIsWrittenAndABadStoredIndexIsHandl
         {qint64(7), 7, QStringLiteral("Dark"), true},
         {QStringLiteral("dark"), 0, QStringLiteral("System"), false},
     };
+    f.app->viewModel().setReleaseColumnVisible(AppViewModel::ReleaseColumn::download, false);
     for (const auto& [stored, index, shown, dark] : cases) {
         SCOPED_TRACE(index);
         setApplicationAppearance(ApplicationAppearance::system);
@@ -77,95 +134,53 @@ TEST(SettingsViewTest, AppearanceAppliesAtOnceIsWrittenAndABadStoredIndexIsHandl
         EXPECT_EQ(f.find<QComboBox>(QStringLiteral("appearanceComboBox"))->currentText(), shown);
         f.app->windowDidAppear();
         EXPECT_EQ(windowLightness() < 80, dark);
+        EXPECT_FALSE(f.app->viewModel().isReleaseColumnVisible(AppViewModel::ReleaseColumn::download));
     }
 }
 
-TEST(SettingsViewTest, SavedTotalFollowsTheStoreAndResetRecordZeroesItOnDisk)
+TEST(SettingsViewTest, SavedTotalAndTheDeveloperAndHomebrewFoldersFollowTheirStores)
 {
     SettingsFixture f;
     f.app->savedSpaceStore().add(1'500'000'000);
-    EXPECT_EQ(label(f, QStringLiteral("savedTotalLabel")), formatByteCount(1'500'000'000)) << "updates while open";
+    EXPECT_EQ(f.label(QStringLiteral("savedTotalLabel")), formatByteCount(1'500'000'000)) << "updates while open";
     f.click(QStringLiteral("resetRecordPushButton"));
-    EXPECT_EQ(label(f, QStringLiteral("savedTotalLabel")), formatByteCount(0));
+    EXPECT_EQ(f.label(QStringLiteral("savedTotalLabel")), formatByteCount(0));
     EXPECT_TRUE(f.fileText().contains(QStringLiteral("TotalBytesDeleted=0")));
-}
 
-TEST(SettingsViewTest, DeveloperFolderChooseShowsThePathAndRemoveForgetsIt)
-{
-    SettingsFixture f;
     const QString developer = f.tree.path(QStringLiteral("home/Library/Developer"));
-    EXPECT_EQ(label(f, QStringLiteral("developerFolderLabel")), QStringLiteral("Not Selected"));
+    EXPECT_EQ(f.label(QStringLiteral("developerFolderLabel")), QStringLiteral("Not Selected"));
     // Once it exists and can be read, "Choose" takes it without a panel.
     f.tree.mkdir(QStringLiteral("home/Library/Developer/Xcode/DerivedData"));
     f.click(QStringLiteral("chooseDeveloperFolderPushButton"));
     ASSERT_TRUE(waitUntil([&] { return f.app->viewModel().hasFileManager() && !f.app->viewModel().scanning(); }));
     EXPECT_TRUE(f.pickers->requests.isEmpty());
-    EXPECT_EQ(label(f, QStringLiteral("developerFolderLabel")), developer);
+    EXPECT_EQ(f.label(QStringLiteral("developerFolderLabel")), developer);
     f.click(QStringLiteral("removeDeveloperFolderPushButton"));
-    EXPECT_EQ(label(f, QStringLiteral("developerFolderLabel")), QStringLiteral("Not Selected"));
+    EXPECT_EQ(f.label(QStringLiteral("developerFolderLabel")), QStringLiteral("Not Selected"));
     EXPECT_TRUE(f.find<QPushButton>(QStringLiteral("removeDeveloperFolderPushButton"))->isHidden());
 
     // A process that starts with a stored bookmark shows its folder before any scan opens it.
     f.app->defaults().setValue(QStringLiteral("DeveloperFolderBookmarkKey"), FolderBookmark::make(developer));
     f.restart();
-    EXPECT_EQ(label(f, QStringLiteral("developerFolderLabel")), developer);
+    EXPECT_EQ(f.label(QStringLiteral("developerFolderLabel")), developer);
     f.click(QStringLiteral("removeDeveloperFolderPushButton"));
     EXPECT_FALSE(f.fileText().contains(QStringLiteral("DeveloperFolderBookmarkKey")));
-}
 
-TEST(SettingsViewTest, CustomFoldersAreAddedSavedAndRemovedAndABadChoiceIsReported)
-{
-    SettingsFixture f;
-    const QString custom = f.tree.mkdir(QStringLiteral("home/Builds"));
-    auto* section = f.find<QWidget>(QStringLiteral("archivesSettingsSection"));
-    ASSERT_NE(section, nullptr);
-    auto* list = section->findChild<QListWidget*>(QStringLiteral("scanLocationsListWidget"));
-    auto* add = section->findChild<QPushButton*>(QStringLiteral("addLocationPushButton"));
-    auto* remove = section->findChild<QPushButton*>(QStringLiteral("removeLocationsPushButton"));
-    ASSERT_EQ(list->count(), 1) << "only the default path";
-    list->item(0)->setSelected(true);
-    EXPECT_FALSE(remove->isEnabled()) << "the default path can't be removed";
-
-    // A folder that can't be reached: the message, and nothing is added.
-    f.pickers->answerWith(f.tree.path(QStringLiteral("home/Gone")));
-    add->click();
-    QMessageBox* box = f.waitForMessage();
-    ASSERT_NE(box, nullptr);
-    EXPECT_EQ(box->text(), QStringLiteral("Can't choose this folder"));
-    box->buttons().first()->click();
-    ASSERT_TRUE(waitUntil([&] { return !f.app->viewModel().settingViewAlert(); }));
-    EXPECT_TRUE(f.app->viewModel().customArchivesFolders().isEmpty());
-
-    f.pickers->answerWith(custom);
-    add->click();
-    ASSERT_TRUE(waitUntil([&] { return list->count() == 2; }));
-    EXPECT_EQ(list->item(1)->text(), custom);
-    // Removed from the screen: the saved list no longer names it.
-    list->item(1)->setSelected(true);
-    ASSERT_TRUE(remove->isEnabled());
-    remove->click();
-    EXPECT_EQ(list->count(), 1);
-    EXPECT_TRUE(f.app->viewModel().customArchivesFolders().isEmpty());
-    QFile file(QDir(f.paths().programDataFolder()).filePath(QStringLiteral("customArchivesURLs.json")));
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_FALSE(QString::fromUtf8(file.readAll()).contains(custom));
-}
-
-TEST(SettingsViewTest, TheShellOpensOneSettingsWindowFromTheFooterAndTheMenu)
-{
-    TempTree tree;
-    QuillbayApp app(std::make_unique<SettingsDefaults>(tree.path(QStringLiteral("defaults.ini"))));
-    AppShell shell(app);
-    shell.openWindow();
-    auto* footerButton = shell.window()->findChild<QAbstractButton*>(QStringLiteral("settingsHoverButton"));
-    ASSERT_NE(footerButton, nullptr);
-    footerButton->click();
-    SettingsView* settings = shell.settingsView();
-    ASSERT_NE(settings, nullptr);
-    QTest::keyClick(settings, Qt::Key_Escape);
-    EXPECT_FALSE(settings->isVisible());
-    shell.openSettingsAction()->trigger();
-    EXPECT_TRUE(settings->isVisible());
-    footerButton->click();
-    EXPECT_EQ(shell.window()->findChildren<SettingsView*>().size(), 1) << "the same window comes back";
+    // The Homebrew root: which folders qualify is the store's own test; this is the wiring.
+    const QString root = f.tree.mkdir(QStringLiteral("brew"));
+    f.tree.writeFile(QStringLiteral("brew/bin/brew"), "#!/bin/sh\n");
+    f.tree.mkdir(QStringLiteral("brew/Cellar/wget/1.24.5"));
+    HomebrewInstalledPackagesStore& store = f.app->homebrewInstalledPackagesStore();
+    const QString key = QStringLiteral("homebrewInstallation.rootBookmark");
+    f.view->show();
+    f.view->tabs()->setCurrentIndex(2);
+    ASSERT_TRUE(waitUntil([&] { return !store.isLoadingAuthorization(); }));
+    f.pickers->answerWith(root);
+    f.click(QStringLiteral("chooseHomebrewRootPushButton"));
+    ASSERT_TRUE(waitUntil([&] { return store.isAuthorized() && !store.isChoosingRoot() && !store.isScanning(); }));
+    EXPECT_EQ(f.label(QStringLiteral("homebrewRootLabel")), root);
+    ASSERT_TRUE(waitUntil([&] { return !f.app->defaults().dataValue(key).isEmpty(); }));
+    f.click(QStringLiteral("removeHomebrewRootPushButton"));
+    EXPECT_EQ(f.label(QStringLiteral("homebrewRootLabel")), QStringLiteral("Not Selected"));
+    ASSERT_TRUE(waitUntil([&] { return !f.app->defaults().contains(key); }));
 }
